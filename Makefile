@@ -1,0 +1,71 @@
+# Set-up and build entry points. Each target installs missing Debian packages (when run as
+# root), configures, builds and runs, so it works as the first command on a fresh machine.
+
+BUILD      ?= build
+ASAN_BUILD ?= build-asan
+BENCH_BUILD ?= build-bench
+JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
+FUZZ_SECONDS ?= 180
+PACKAGES   = cmake g++ make pkg-config libsqlite3-dev libgtest-dev libgmock-dev libbenchmark-dev \
+             clang libclang-rt-14-dev
+
+.PHONY: all deps build demo test test-normal test-sanitize bench fuzz clean
+
+all: build
+
+deps:
+	@if command -v dpkg >/dev/null 2>&1; then \
+	  missing=""; \
+	  for p in $(PACKAGES); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
+	  if [ -n "$$missing" ]; then \
+	    if [ "$$(id -u)" = 0 ]; then \
+	      echo "installing:$$missing"; \
+	      apt-get update -q && DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $$missing; \
+	    else \
+	      echo "missing packages:$$missing (run as root, or install them with apt-get)"; exit 1; \
+	    fi; \
+	  fi; \
+	fi
+
+$(BUILD)/CMakeCache.txt: | deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+build: deps $(BUILD)/CMakeCache.txt
+	cmake --build $(BUILD) -j $(JOBS)
+
+demo: build
+	./$(BUILD)/examples/tarsel_demo
+
+test-normal: build
+	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+# Sanitizer build with clang: AddressSanitizer and UndefinedBehaviorSanitizer over every test,
+# plus the fuzz targets, each run a fixed number of times from its committed corpus.
+$(ASAN_BUILD)/CMakeCache.txt: | deps
+	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+	  -DTARSEL_SANITIZE=ON -DTARSEL_FUZZ=ON -DTARSEL_BUILD_EXAMPLES=OFF
+
+test-sanitize: deps $(ASAN_BUILD)/CMakeCache.txt
+	cmake --build $(ASAN_BUILD) -j $(JOBS)
+	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	  ctest --output-on-failure -j $(JOBS)
+
+test: test-normal test-sanitize
+
+$(BENCH_BUILD)/CMakeCache.txt: | deps
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DTARSEL_BUILD_BENCH=ON -DTARSEL_BUILD_TESTS=OFF
+
+bench: deps $(BENCH_BUILD)/CMakeCache.txt
+	cmake --build $(BENCH_BUILD) -j $(JOBS)
+	@for b in $(BENCH_BUILD)/bench/bench_*; do echo "== $$b"; $$b || exit 1; done
+
+fuzz: deps $(ASAN_BUILD)/CMakeCache.txt
+	cmake --build $(ASAN_BUILD) -j $(JOBS)
+	@for f in $(ASAN_BUILD)/tests/fuzz_*; do \
+	  name=$$(basename $$f); name=$${name#fuzz_}; out=$(ASAN_BUILD)/fuzz_long/$$name; \
+	  mkdir -p $$out; echo "== $$name for $(FUZZ_SECONDS) s"; \
+	  $$f $$out tests/fuzz/corpus/$$name -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 || exit 1; \
+	done
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD)
