@@ -1,0 +1,87 @@
+#include "core/BtrieveStatusText.h"
+
+namespace {
+
+// One fixed-width, NUL-padded row per status code 0..70. A row that holds only its own number
+// stands for a code the library does not describe.
+constexpr char kStatusTexts[kBtrieveStatusTextCount][kBtrieveStatusTextWidth] = {
+    /*  0 */ "API completed successfully",
+    /*  1 */ "Invalid parameter",
+    /*  2 */ "An I/O error",
+    /*  3 */ "File not open",
+    /*  4 */ "Key not found",
+    /*  5 */ "Duplicate key",
+    /*  6 */ "Invalid key number",
+    /*  7 */ "Key number change",
+    /*  8 */ "Invalid positioning",
+    /*  9 */ "End-of-file",
+    /* 10 */ "Not modifiable",
+    /* 11 */ "Invalid filename",
+    /* 12 */ "File not found",
+    /* 13 */ "Extended file error",
+    /* 14 */ "Cannot create/open pre-image file",
+    /* 15 */ "An I/O error during pre-imaging",
+    /* 16 */ "An expansion error",
+    /* 17 */ "A close error",
+    /* 18 */ "Disk is full",
+    /* 19 */ "An unrecoverable error",
+    /* 20 */ "Requester is inactive",
+    /* 21 */ "Key sBufferfer is too short",
+    /* 22 */ "Data sBufferfer is too short",
+    /* 23 */ "Position block is too short",
+    /* 24 */ "Invalid page/data sBufferfer size",
+    /* 25 */ "Failed to create file",
+    /* 26 */ "Invalid key number",
+    /* 27 */ "Invalid key position",
+    /* 28 */ "Invalid record length",
+    /* 29 */ "Invalid key length",
+    /* 30 */ "Incompatible file",
+    /* 31 */ "File is already extended",
+    /* 32 */ "32",
+    /* 33 */ "MKDE cannot unload",
+    /* 34 */ "34",
+    /* 35 */ "35",
+    /* 36 */ "36",
+    /* 37 */ "Another tranaction is active",
+    /* 38 */ "38",
+    /* 39 */ "39",
+    /* 40 */ "40",
+    /* 41 */ "41",
+    /* 42 */ "42",
+    /* 43 */ "43",
+    /* 44 */ "Invalid key path",
+    /* 45 */ "Invalid key flags",
+    /* 46 */ "46",
+    /* 47 */ "47",
+    /* 48 */ "48",
+    /* 49 */ "49",
+    /* 50 */ "50",
+    /* 51 */ "51",
+    /* 52 */ "52",
+    /* 53 */ "53",
+    /* 54 */ "54",
+    /* 55 */ "55",
+    /* 56 */ "56",
+    /* 57 */ "57",
+    /* 58 */ "58",
+    /* 59 */ "Specified file already exists",
+    /* 60 */ "60",
+    /* 61 */ "61",
+    /* 62 */ "62",
+    /* 63 */ "63",
+    /* 64 */ "64",
+    /* 65 */ "65",
+    /* 66 */ "66",
+    /* 67 */ "67",
+    /* 68 */ "68",
+    /* 69 */ "69",
+    /* 70 */ "70",
+};
+
+}  // namespace
+
+const char* BtrieveStatusText(int code) {
+    if (code < 0 || code >= kBtrieveStatusTextCount)
+        return nullptr;
+    return kStatusTexts[code];
+}
