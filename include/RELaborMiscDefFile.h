@@ -1,0 +1,42 @@
+// RELaborMiscDefFile: the miscellaneous labor definitions (name and group number of each), a plain file read
+// and written whole ("TarselWin95.LMD001"), or its old text form of "name,group" lines on load.
+// Every line of the old text form is a definition.
+//
+// The records live in a list that the caller owns (std::malloc blocks of 103 bytes, freed by
+// ResetRecords).
+#pragma once
+
+#include "RELaborDefRecords.h"
+#include "tarsel_export.h"
+
+#include <list>
+#include <string>
+
+class TARSEL_API RELaborMiscDefFile {
+public:
+    static constexpr int kPathSize = 260;
+
+    RELaborMiscDefFile();
+    virtual ~RELaborMiscDefFile();
+
+    // Stores the path; the file is read by GetRecords. 1; 0 when the path is null or does not
+    // fit the 260-byte path buffer.
+    int Initialize(const char* path);
+    // Replaces the content of `list` with the file's records. 1 when the file was read, 0
+    // when it cannot be (message 1016).
+    int GetRecords(std::list<LABORMISCDEFRECORD*>& list);
+    // Writes the records in the binary form. 1; 0 when the file cannot be written, in which
+    // case the file already there is left as it was.
+    int SaveRecords(const std::list<LABORMISCDEFRECORD*>& list);
+    // Frees every record of `list` and empties it. 1.
+    int ResetRecords(std::list<LABORMISCDEFRECORD*>& list);
+    // Group number of the first record named `name` (letter case ignored), or -1.
+    int GetGroupNo(const std::list<LABORMISCDEFRECORD*>& list, const std::string& name);
+
+private:
+    void _CreateSignature();
+
+    char m_filePath[kPathSize];
+    int m_isInitialized;
+    RE_FILE_SIGNATURE m_signature;
+};
