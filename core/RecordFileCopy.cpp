@@ -1,0 +1,111 @@
+// Whole-file operations of the record-file machinery: create, copy and append.
+#include "detail/RERecordFile.h"
+
+#include "REErrorMessages.h"
+#include "core/Messages.h"
+#include "core/RecordFileSpec.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+namespace {
+
+// AppendFile without `all` copies at most this many records.
+constexpr int kAppendLimit = 20;
+
+}  // namespace
+
+int RERecordFileEngine::CreateNewFile(const char* path) {
+    const size_t pathLength = path != nullptr ? std::strlen(path) : 0;
+    if (pathLength == 0 || pathLength > static_cast<size_t>(kMaxPathLength)) {
+        ShowErrorMessage(m_spec->createCode, kStatusInvalidFileName);
+        return 0;
+    }
+    std::vector<uint8_t> block = REEncodeCreateBlock(m_spec->create);
+    uint32_t dataLength = static_cast<uint32_t>(block.size());
+    int16_t status;
+    if (m_spec->createOnSelf) {
+        SetKeyBuffer(const_cast<char*>(path), static_cast<int>(pathLength + 1));
+        SetKeyNumber(0);
+        status = Btrieve(kOpCreate, m_posBlock, block.data(), &dataLength, m_keyBuffer,
+                         static_cast<uint8_t>(m_keyLength), 0);
+    } else {
+        REBtrieveBase target;
+        target.SetKeyBuffer(const_cast<char*>(path), static_cast<int>(pathLength));
+        target.SetKeyNumber(0);
+        target.SetDataBufLen(static_cast<int>(dataLength));
+        status = target.Btrieve(kOpCreate, block.data());
+    }
+    if (status != kStatusSuccess) {
+        ShowErrorMessage(m_spec->createCode, status);
+        return 0;
+    }
+    return 1;
+}
+
+int RERecordFileEngine::_CopyFileFrom(RERecordFileEngine* src) {
+    if (src == nullptr)
+        return 0;
+    DeleteAllRecords();
+    std::vector<uint8_t> rec(std::max(m_spec->newSize, m_spec->oldSize));
+    src->SetKeyNumber(0);
+    if (src->Btrieve(kOpStepFirst, rec.data()) != kStatusSuccess)
+        return 0;
+    do {
+        if (Btrieve(kOpInsert, rec.data()) != kStatusSuccess)
+            return 0;
+    } while (src->Btrieve(kOpStepNext, rec.data()) == kStatusSuccess);
+    return 1;
+}
+
+int RERecordFileEngine::_CopyRecords(REBtrieveBase& src, int srcIsOld, int maxCount) {
+    std::vector<uint8_t> read(srcIsOld ? m_spec->oldSize : m_spec->newSize);
+    std::vector<uint8_t> converted(m_isOldFormat ? m_spec->oldSize : m_spec->newSize);
+    src.SetKeyNumber(0);
+    if (src.Btrieve(kOpStepFirst, read.data()) != kStatusSuccess)
+        return 0;
+    _BeginCopy(srcIsOld);
+    int copied = 0;
+    int16_t status = kStatusSuccess;
+    while (status == kStatusSuccess && copied < maxCount) {
+        _AdjustCopiedRecord(read.data(), srcIsOld);
+        void* out = read.data();
+        if (srcIsOld && !m_isOldFormat) {
+            m_spec->toNew(read.data(), converted.data());
+            out = converted.data();
+        } else if (!srcIsOld && m_isOldFormat) {
+            m_spec->toOld(read.data(), converted.data());
+            out = converted.data();
+        }
+        Btrieve(kOpInsert, out);  // a refused record (duplicate key) is skipped
+        ++copied;
+        status = src.Btrieve(kOpStepNext, read.data());
+    }
+    RETrace("%s::_CopyRecords: No of Records copied = %d\n", m_spec->className, copied);
+    return 1;
+}
+
+int RERecordFileEngine::AppendFile(const char* path, int all) {
+    REBtrieveBase source;
+    if (path == nullptr || !source.Open(path)) {
+        RETrace("<<%s::AppendFile>> Error in file %s", m_spec->className, path != nullptr ? path : "");
+        return 0;
+    }
+    STAT_BUFFER stat{};
+    source.GetStatus(&stat);
+    const uint32_t length = static_cast<uint32_t>(stat.recordLength);
+    int sourceIsOld;
+    if (stat.recordLength > 0 && length == m_spec->StatLength()) {
+        sourceIsOld = 0;
+    } else if (stat.recordLength > 0 && m_spec->HasOldLayout() && length == m_spec->oldSize) {
+        sourceIsOld = 1;
+    } else {
+        ShowErrorMessage(m_spec->corruptCode);
+        return 0;
+    }
+    source.SetDataBufLen(static_cast<int>(sourceIsOld ? m_spec->oldSize : m_spec->newSize));
+    _CopyRecords(source, sourceIsOld, all ? INT_MAX : kAppendLimit);
+    source.Close();
+    return 1;
+}

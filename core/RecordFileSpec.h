@@ -1,0 +1,168 @@
+// What a record-file class tells the shared machinery about its file: record layouts and
+// lengths, message numbers, the key table it creates the file with, its converters, and the
+// few behaviours in which the file classes differ from one another.
+//
+// Each class defines one constant RERecordFileSpec in its source file; RERecordFileEngine
+// (include/detail/RERecordFile.h) does the work from it.
+#pragma once
+
+#include "REBtrieveBase.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <vector>
+
+// One key segment of a file specification, as passed to Create.
+struct REKeySegment {
+    uint16_t position;  // 1-based offset in the record
+    uint16_t length;
+    uint16_t flags;     // REKeyFlag bits
+    uint8_t type;       // REKeyType, read with kKeyExtendedType
+    uint8_t nullValue;  // no effect without kKeyNullKey; the files here write 20
+};
+
+enum REKeyFlag : uint16_t {
+    kKeyDuplicates = 0x0001,
+    kKeyModifiable = 0x0002,
+    kKeyNullKey = 0x0008,
+    kKeySegmented = 0x0010,
+    kKeyExtendedType = 0x0100,
+    kKeyCaseInsensitive = 0x0400,
+    // The two forms the files use: a key's inner segments and its last segment.
+    kKeyInnerSegment = kKeyExtendedType | kKeySegmented | kKeyModifiable,
+    kKeyLastSegment = kKeyExtendedType | kKeyModifiable,
+};
+
+enum REKeyType : uint8_t {
+    kKeyTypeString = 0,
+    kKeyTypeInteger = 1,
+    kKeyTypeBFloat = 9,
+    kKeyTypeZString = 11,
+    kKeyTypeUnsigned = 14,
+    kKeyTypeAutoIncrement = 15,
+};
+
+// The null-value byte every file of the library writes into its segments.
+constexpr uint8_t kKeyNullByte = 20;
+constexpr uint16_t kFilePageSize = 4096;
+
+// A file specification for Create.
+struct RECreateSpec {
+    uint16_t recordLength = 0;
+    uint16_t pageSize = kFilePageSize;
+    uint16_t fileFlags = 0;
+    std::span<const REKeySegment> segments;
+    // Bytes passed with the Create; 0 means the block itself (16 + 16 per segment).
+    uint32_t dataLength = 0;
+};
+
+// Number of keys a segment table describes: each key ends at a segment without kKeySegmented.
+constexpr uint16_t REKeyCount(std::span<const REKeySegment> segments) {
+    uint16_t keys = 0;
+    for (const REKeySegment& s : segments)
+        keys += (s.flags & kKeySegmented) ? 0 : 1;
+    return keys;
+}
+
+// The Create block of a specification (little-endian):
+//  OFFSET SIZE DESCRIPTION
+//       0    2 record length
+//       2    2 page size
+//       4    2 number of keys
+//       6    4 reserved, 0
+//      10    2 file flags
+//      12    4 reserved and pre-allocation pages, 0
+//  16+16i   16 segment i: position 2, length 2, flags 2, reserved 4, type 1, null value 1,
+//              reserved 4
+// The block is zero-padded up to `dataLength` when that is longer.
+inline std::vector<uint8_t> REEncodeCreateBlock(const RECreateSpec& spec) {
+    constexpr size_t kHeaderSize = 16;
+    constexpr size_t kSegmentSize = 16;
+    const size_t blockSize = kHeaderSize + kSegmentSize * spec.segments.size();
+    std::vector<uint8_t> block(blockSize > spec.dataLength ? blockSize : spec.dataLength, 0);
+    auto put16 = [&block](size_t at, uint16_t v) {
+        block[at] = static_cast<uint8_t>(v);
+        block[at + 1] = static_cast<uint8_t>(v >> 8);
+    };
+    put16(0, spec.recordLength);
+    put16(2, spec.pageSize);
+    put16(4, REKeyCount(spec.segments));
+    put16(10, spec.fileFlags);
+    for (size_t i = 0; i < spec.segments.size(); ++i) {
+        const REKeySegment& s = spec.segments[i];
+        const size_t at = kHeaderSize + kSegmentSize * i;
+        put16(at, s.position);
+        put16(at + 2, s.length);
+        put16(at + 4, s.flags);
+        block[at + 10] = s.type;
+        block[at + 11] = s.nullValue;
+    }
+    return block;
+}
+
+// A positional read: the operation and the key number it sets first (kCurrentKey: none).
+struct REPositionalRead {
+    static constexpr int8_t kCurrentKey = -1;
+    uint16_t op;
+    int8_t keyNumber;
+};
+
+// Record converters between the old and the new layout, on untyped buffers.
+using REConvertFunction = int (*)(const void* from, void* to);
+
+// Wraps a typed converter `int f(const From*, To*)` as an REConvertFunction.
+template <auto F>
+struct REConverter;
+template <class From, class To, int (*F)(const From*, To*)>
+struct REConverter<F> {
+    static int Call(const void* from, void* to) {
+        return F(static_cast<const From*>(from), static_cast<To*>(to));
+    }
+};
+
+struct RERecordFileSpec {
+    // Class name for the debug traces ("REJobFile::_CopyRecords: ...").
+    const char* className = "";
+    // Bytes moved by each call in the new and the old layout (sizeof the record structures);
+    // oldSize 0: the file has one layout only.
+    uint32_t newSize = 0;
+    uint32_t oldSize = 0;
+    // Record length that Stat reports for a new-layout file; 0: newSize. Variable-length
+    // files report their fixed part here.
+    uint32_t statLength = 0;
+
+    unsigned corruptCode = 0;       // wrong record length at open
+    unsigned unknownErrorCode = 0;  // record-manager failure, shown with the status
+    unsigned createCode = 0;        // Create failure, shown with the status
+
+    REConvertFunction toNew = nullptr;
+    REConvertFunction toOld = nullptr;
+
+    RECreateSpec create;
+    // Create through the object itself with the path and its NUL, instead of a temporary object
+    // with the path alone.
+    bool createOnSelf = false;
+
+    // GetFirstRecord, GetLastRecord, GetNextRecord, GetPreviousRecord.
+    REPositionalRead first = {REBtrieveBase::kOpGetFirst, 0};
+    REPositionalRead last = {REBtrieveBase::kOpGetLast, 0};
+    REPositionalRead next = {REBtrieveBase::kOpGetNext, 0};
+    REPositionalRead previous = {REBtrieveBase::kOpGetPrevious, 0};
+
+    // A wrong record length leaves the object marked open (the next Initialize closes it).
+    bool keepOpenOnCorrupt = false;
+    // The class keeps its path and open flag in m_filePath and m_fileOpen.
+    bool ownPath = false;
+    // A failed Get Equal is reported like any other failure (only end of file is silent).
+    bool reportGetEqualMiss = false;
+    // Initialize on an open object closes it and returns 0 without opening again.
+    bool initializeOnOpenCloses = false;
+
+    // Trace text of AddRecord when the duplicate search finds the record; null: none.
+    const char* duplicateTrace = nullptr;
+
+    uint32_t StatLength() const { return statLength != 0 ? statLength : newSize; }
+    bool HasOldLayout() const { return oldSize != 0 && oldSize != StatLength(); }
+};

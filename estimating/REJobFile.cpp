@@ -1,0 +1,228 @@
+// The estimate job item file: its specification for the record-file machinery, its record
+// conversions, and its key searches with wildcard filters and page renumbering on append.
+#include "REJobFile.h"
+
+#include "core/RecordFields.h"
+#include "core/RecordFileSpec.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+// Key 0: code 1, code 2, page number, line number; no duplicates.
+constexpr REKeySegment kJobKey[] = {
+    {1, 5, kKeyInnerSegment, kKeyTypeZString, kKeyNullByte},
+    {6, 26, kKeyInnerSegment, kKeyTypeZString, kKeyNullByte},
+    {32, 4, kKeyInnerSegment, kKeyTypeUnsigned, kKeyNullByte},
+    {36, 4, kKeyLastSegment, kKeyTypeUnsigned, kKeyNullByte},
+};
+constexpr uint16_t kJobFileFlags = 64;
+
+// A code argument as a bounded text: null reads as empty, longer codes are cut to `width`.
+size_t CodeLength(const char* code, size_t width) { return code != nullptr ? strnlen(code, width) : 0; }
+
+// Copies a code argument into a key field for its length, without terminator.
+void PutCode(char* field, size_t width, const char* code) {
+    if (const size_t length = CodeLength(code, width); length > 0)
+        std::memcpy(field, code, length);
+}
+
+// Filter of one code: empty matches any, else the codes must be equal.
+bool CodeMatches(const char* wanted, const char* field, size_t width) {
+    const size_t length = CodeLength(wanted, width);
+    return length == 0 || (strnlen(field, width) == length && std::memcmp(wanted, field, length) == 0);
+}
+
+}  // namespace
+
+const RERecordFileSpec REJobFile::kSpec = {
+    .className = "REJobFile",
+    .newSize = sizeof(ESTJOBFILERECORD),
+    .oldSize = sizeof(OLD_ESTJOBFILERECORD),
+    .corruptCode = 1211,
+    .unknownErrorCode = 1104,
+    .createCode = 1102,
+    .toNew = REConverter<&REJobFile::_ConvertToNewRecordFormat>::Call,
+    .toOld = REConverter<&REJobFile::_ConvertToOldRecordFormat>::Call,
+    .create = {.recordLength = sizeof(ESTJOBFILERECORD), .fileFlags = kJobFileFlags, .segments = kJobKey},
+    .duplicateTrace = "Same record present in the database; UPDATE possible not ADDITION.\n",
+};
+
+REJobFile::REJobFile() : RERecordFile(kSpec), m_appendPageOffset(0) { m_isOldFormat = 1; }
+
+int REJobFile::_ConvertToNewRecordFormat(const OLD_ESTJOBFILERECORD* o, ESTJOBFILERECORD* n) {
+    std::memset(n, 0, sizeof *n);
+    RETextToNew(n->sCode1, o->sCode1);
+    RETextToNew(n->sCode2, o->sCode2);
+    n->nPageNo = o->nPageNo;
+    n->nLineNo = o->nLineNo;
+    n->nValue39 = o->nValue39;
+    gConvertSizeKeyRecToNewFormat(&o->sizeKey, &n->sizeKey);
+    RETextToNew(n->sText124, o->sText124);
+    RETextToNew(n->sText135, o->sText135);
+    std::memcpy(n->nShort142, o->nShort142, sizeof n->nShort142);
+    n->nValue154 = o->nValue154;
+    n->nValue158 = o->nValue158;
+    RETextToNew(n->sText162, o->sText162);
+    RETextToNew(n->sText166, o->sText166);
+    RETextToNew(n->sText173, o->sText173);
+    RETextToNew(n->sText180, o->sText180);
+    RETextToNew(n->sText182, o->sText182);
+    n->nValue191 = o->nValue191;
+    n->nValue195 = o->nValue195;
+    RETextToNew(n->sText199, o->sText199);
+    for (size_t i = 0; i < std::size(n->operations); ++i)
+        gConvertOperationTypeToNewFormat(&o->operations[i], &n->operations[i]);
+    return 1;
+}
+
+int REJobFile::_ConvertToOldRecordFormat(const ESTJOBFILERECORD* n, OLD_ESTJOBFILERECORD* o) {
+    std::memset(o, kOldTextFill, sizeof *o);
+    RETextToOld(o->sCode1, n->sCode1);
+    RETextToOld(o->sCode2, n->sCode2);
+    o->nPageNo = n->nPageNo;
+    o->nLineNo = n->nLineNo;
+    o->nValue39 = n->nValue39;
+    gConvertSizeKeyRecToOldFormat(&n->sizeKey, &o->sizeKey);
+    RETextToOld(o->sText124, n->sText124);
+    RETextToOld(o->sText135, n->sText135);
+    std::memcpy(o->nShort142, n->nShort142, sizeof o->nShort142);
+    o->nValue154 = n->nValue154;
+    o->nValue158 = n->nValue158;
+    RETextToOld(o->sText162, n->sText162);
+    RETextToOld(o->sText166, n->sText166);
+    RETextToOld(o->sText173, n->sText173);
+    RETextToOld(o->sText180, n->sText180);
+    RETextToOld(o->sText182, n->sText182);
+    o->nValue191 = n->nValue191;
+    o->nValue195 = n->nValue195;
+    RETextToOld(o->sText199, n->sText199);
+    for (size_t i = 0; i < std::size(o->operations); ++i)
+        gConvertOperationTypeToOldFormat(&n->operations[i], &o->operations[i]);
+    return 1;
+}
+
+int REJobFile::_CreateKey(const char* code1, const char* code2, int pageNo, int lineNo,
+                          OLD_ESTJOBFILERECORD_KEY* key) {
+    std::memset(key, kOldTextFill, sizeof *key);
+    PutCode(key->sCode1, sizeof key->sCode1, code1);
+    PutCode(key->sCode2, sizeof key->sCode2, code2);
+    key->nPageNo = pageNo;
+    key->nLineNo = lineNo;
+    return 1;
+}
+
+// Puts the search key of the file's layout into the key buffer, on key 0.
+int REJobFile::_SetSearchKey(const char* code1, const char* code2, int pageNo, int lineNo) {
+    SetKeyNumber(0);
+    if (m_isOldFormat) {
+        OLD_ESTJOBFILERECORD_KEY key;
+        _CreateKey(code1, code2, pageNo, lineNo, &key);
+        SetKeyBuffer(&key, sizeof key);
+        return 1;
+    }
+    ESTJOBFILERECORD_KEY key{};
+    PutCode(key.sCode1, sizeof key.sCode1, code1);
+    PutCode(key.sCode2, sizeof key.sCode2, code2);
+    key.nPageNo = pageNo;
+    key.nLineNo = lineNo;
+    SetKeyBuffer(&key, sizeof key);
+    return 1;
+}
+
+// Get Greater or Equal with the search key already in the key buffer.
+int REJobFile::_GetFirstMatchGE(OLD_ESTJOBFILERECORD_KEY*, ESTJOBFILERECORD* rec) {
+    return _CallBtrieve(kOpGetGreaterOrEqual, rec);
+}
+
+int REJobFile::_CheckRecord(const char* code1, const char* code2, int pageNo, int lineNo,
+                            const ESTJOBFILERECORD* rec) {
+    return CodeMatches(code1, rec->sCode1, sizeof rec->sCode1) && CodeMatches(code2, rec->sCode2, sizeof rec->sCode2) &&
+           (pageNo < 0 || rec->nPageNo == pageNo) && (lineNo < 0 || rec->nLineNo == lineNo);
+}
+
+// The searches read into the caller's record (a record that fails the filter included), or
+// into a local one when the caller passes none.
+int REJobFile::SearchFirstRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD* rec) {
+    ESTJOBFILERECORD local;
+    ESTJOBFILERECORD* found = rec != nullptr ? rec : &local;
+    m_searchActive = 1;
+    _SetSearchKey(code1, code2, pageNo, lineNo);
+    if (!_GetFirstMatchGE(nullptr, found) || !_CheckRecord(code1, code2, pageNo, lineNo, found)) {
+        m_searchActive = 0;
+        return 0;
+    }
+    return 1;
+}
+
+int REJobFile::SearchNextRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD* rec) {
+    ESTJOBFILERECORD local;
+    ESTJOBFILERECORD* found = rec != nullptr ? rec : &local;
+    if (!_CallBtrieve(kOpGetNext, found) || !_CheckRecord(code1, code2, pageNo, lineNo, found)) {
+        m_searchActive = 0;
+        return 0;
+    }
+    return 1;
+}
+
+int REJobFile::SearchFirstMatchLE(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD* rec) {
+    ESTJOBFILERECORD local;
+    m_searchActive = 1;
+    _SetSearchKey(code1, code2, pageNo, lineNo);
+    if (!_CallBtrieve(kOpGetLessOrEqual, rec != nullptr ? rec : &local)) {
+        m_searchActive = 0;
+        return 0;
+    }
+    return 1;
+}
+
+int REJobFile::_FindDuplicate(const void* rec) {
+    const auto* job = static_cast<const ESTJOBFILERECORD*>(rec);
+    char code1[sizeof job->sCode1 + 1] = {};
+    char code2[sizeof job->sCode2 + 1] = {};
+    std::memcpy(code1, job->sCode1, sizeof job->sCode1);
+    std::memcpy(code2, job->sCode2, sizeof job->sCode2);
+    return SearchFirstRecord(code1, code2, job->nPageNo, job->nLineNo, nullptr);
+}
+
+int REJobFile::DeleteRecord(ESTJOBFILERECORD& rec) { return _FindDuplicate(&rec) && _DeleteCurrent(); }
+
+int REJobFile::DeleteRecord(int pageNo, int lineNo) {
+    // The codes lead the key, so records of this page and line lie anywhere after the start.
+    ESTJOBFILERECORD found;
+    m_searchActive = 1;
+    _SetSearchKey("", "", pageNo, lineNo);
+    for (int more = _GetFirstMatchGE(nullptr, &found); more; more = _CallBtrieve(kOpGetNext, &found)) {
+        if (_CheckRecord("", "", pageNo, lineNo, &found))
+            return _DeleteCurrent();
+    }
+    m_searchActive = 0;
+    return 0;
+}
+
+int REJobFile::UpdateRecord(ESTJOBFILERECORD& keyRec, ESTJOBFILERECORD& newRec) {
+    return _FindDuplicate(&keyRec) && _UpdateCurrent(&newRec);
+}
+
+int REJobFile::UpdateRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD& newRec) {
+    return SearchFirstRecord(code1, code2, pageNo, lineNo, nullptr) && _UpdateCurrent(&newRec);
+}
+
+int REJobFile::_GetMaxPageNo() {
+    ESTJOBFILERECORD rec;
+    int32_t maxPage = 0;
+    for (int more = GetFirstRecord(&rec); more; more = GetNextRecord(&rec))
+        maxPage = std::max(maxPage, int32_t{rec.nPageNo});
+    return maxPage;
+}
+
+void REJobFile::_BeginCopy(int) { m_appendPageOffset = _GetMaxPageNo(); }
+
+void REJobFile::_AdjustCopiedRecord(void* rec, int isOld) {
+    if (isOld)
+        static_cast<OLD_ESTJOBFILERECORD*>(rec)->nPageNo += m_appendPageOffset;
+    else
+        static_cast<ESTJOBFILERECORD*>(rec)->nPageNo += m_appendPageOffset;
+}

@@ -1,0 +1,171 @@
+// REJobFile: the item lines of one estimating job, one ESTJOBFILERECORD per line, keyed by two
+// codes, a page number and a line number. Files of the earlier generation (516-byte records)
+// are read and written in place in their own layout; callers always see the 606-byte record.
+#pragma once
+
+#include "OPERATIONTYPE.h"
+#include "SIZEDATKEYREC.h"
+#include "detail/RERecordFile.h"
+#include "tarsel_export.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <vector>
+
+#pragma pack(push, 1)
+struct ESTJOBFILERECORD {
+    char sCode1[5];   // first key code
+    char sCode2[26];  // second key code
+    int32_t nPageNo;  // key
+    int32_t nLineNo;  // key: line within the page
+    int32_t nValue39;
+    SIZEDATKEYREC sizeKey;
+    char sText124[11];
+    char sText135[7];
+    int16_t nShort142[6];
+    int32_t nValue154;
+    int32_t nValue158;
+    char sText162[4];
+    char sText166[7];
+    char sText173[7];
+    char sText180[2];
+    char sText182[9];
+    int32_t nValue191;
+    int32_t nValue195;
+    char sText199[2];
+    OPERATIONTYPE operations[15];
+    uint8_t reserved576[26];
+    int32_t nValue602;  // zero in records converted from the old layout
+};
+
+struct OLD_ESTJOBFILERECORD {
+    char sCode1[4];
+    char sCode2[25];
+    int32_t nPageNo;
+    int32_t nLineNo;
+    int32_t nValue39;
+    OLD_SIZEDATKEYREC sizeKey;
+    char sText124[10];
+    char sText135[6];
+    int16_t nShort142[6];
+    int32_t nValue154;
+    int32_t nValue158;
+    char sText162[3];
+    char sText166[6];
+    char sText173[6];
+    char sText180[1];
+    char sText182[8];
+    int32_t nValue191;
+    int32_t nValue195;
+    char sText199[1];
+    OLD_OPERATIONTYPE operations[15];
+};
+
+// Search keys of key 0: zero-filled in the new layout, blank-filled in the old one.
+struct ESTJOBFILERECORD_KEY {
+    char sCode1[5];
+    char sCode2[26];
+    int32_t nPageNo;
+    int32_t nLineNo;
+};
+
+struct OLD_ESTJOBFILERECORD_KEY {
+    char sCode1[4];
+    char sCode2[25];
+    int32_t nPageNo;
+    int32_t nLineNo;
+};
+#pragma pack(pop)
+
+static_assert(sizeof(ESTJOBFILERECORD) == 606);
+static_assert(offsetof(ESTJOBFILERECORD, sCode2) == 5);
+static_assert(offsetof(ESTJOBFILERECORD, nPageNo) == 31);
+static_assert(offsetof(ESTJOBFILERECORD, nLineNo) == 35);
+static_assert(offsetof(ESTJOBFILERECORD, nValue39) == 39);
+static_assert(offsetof(ESTJOBFILERECORD, sizeKey) == 43);
+static_assert(offsetof(ESTJOBFILERECORD, sText124) == 124);
+static_assert(offsetof(ESTJOBFILERECORD, sText135) == 135);
+static_assert(offsetof(ESTJOBFILERECORD, nShort142) == 142);
+static_assert(offsetof(ESTJOBFILERECORD, nValue154) == 154);
+static_assert(offsetof(ESTJOBFILERECORD, nValue158) == 158);
+static_assert(offsetof(ESTJOBFILERECORD, sText162) == 162);
+static_assert(offsetof(ESTJOBFILERECORD, sText166) == 166);
+static_assert(offsetof(ESTJOBFILERECORD, sText173) == 173);
+static_assert(offsetof(ESTJOBFILERECORD, sText180) == 180);
+static_assert(offsetof(ESTJOBFILERECORD, sText182) == 182);
+static_assert(offsetof(ESTJOBFILERECORD, nValue191) == 191);
+static_assert(offsetof(ESTJOBFILERECORD, nValue195) == 195);
+static_assert(offsetof(ESTJOBFILERECORD, sText199) == 199);
+static_assert(offsetof(ESTJOBFILERECORD, operations) == 201);
+static_assert(offsetof(ESTJOBFILERECORD, reserved576) == 576);
+static_assert(offsetof(ESTJOBFILERECORD, nValue602) == 602);
+
+static_assert(sizeof(OLD_ESTJOBFILERECORD) == 516);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sCode2) == 4);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, nPageNo) == 29);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, nLineNo) == 33);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, nValue39) == 37);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sizeKey) == 41);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sText124) == 117);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sText135) == 127);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, nShort142) == 133);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, nValue154) == 145);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, nValue158) == 149);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sText162) == 153);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sText166) == 156);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sText173) == 162);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sText180) == 168);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sText182) == 169);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, nValue191) == 177);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, nValue195) == 181);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sText199) == 185);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, operations) == 186);
+
+static_assert(sizeof(ESTJOBFILERECORD_KEY) == 39);
+static_assert(offsetof(ESTJOBFILERECORD_KEY, nPageNo) == 31);
+static_assert(offsetof(ESTJOBFILERECORD_KEY, nLineNo) == 35);
+static_assert(sizeof(OLD_ESTJOBFILERECORD_KEY) == 37);
+static_assert(offsetof(OLD_ESTJOBFILERECORD_KEY, nPageNo) == 29);
+static_assert(offsetof(OLD_ESTJOBFILERECORD_KEY, nLineNo) == 33);
+
+class TARSEL_API REJobFile : public RERecordFile<REJobFile, ESTJOBFILERECORD> {
+public:
+    REJobFile();
+
+    int ResetJobRecList(std::list<ESTJOBFILERECORD*>& list) { return ResetRecList(list); }
+    int ResetJobRecArray(std::vector<ESTJOBFILERECORD*>& array) { return ResetRecArray(array); }
+
+    // Key searches with filters: an empty code matches any code, a negative page or line any
+    // number. The first search starts at the key built from the arguments (Get Greater or
+    // Equal); the next one moves on in key order. A record that fails the filter ends the search.
+    int SearchFirstRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD* rec);
+    int SearchNextRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD* rec);
+    // The record at or before the key, without filter.
+    int SearchFirstMatchLE(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD* rec);
+
+    int DeleteRecord(ESTJOBFILERECORD& rec);
+    // Deletes the first record, in key order, with this page and line under any codes.
+    int DeleteRecord(int pageNo, int lineNo);
+    // Replaces the record with `keyRec`'s key by `newRec` (whose key may differ).
+    int UpdateRecord(ESTJOBFILERECORD& keyRec, ESTJOBFILERECORD& newRec);
+    int UpdateRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD& newRec);
+
+protected:
+    int _FindDuplicate(const void* rec) override;
+    void _BeginCopy(int srcIsOld) override;
+    void _AdjustCopiedRecord(void* rec, int isOld) override;
+
+private:
+    int _GetFirstMatchGE(OLD_ESTJOBFILERECORD_KEY* key, ESTJOBFILERECORD* rec);
+    int _CreateKey(const char* code1, const char* code2, int pageNo, int lineNo, OLD_ESTJOBFILERECORD_KEY* key);
+    int _CheckRecord(const char* code1, const char* code2, int pageNo, int lineNo, const ESTJOBFILERECORD* rec);
+    int _SetSearchKey(const char* code1, const char* code2, int pageNo, int lineNo);
+    int _GetMaxPageNo();
+
+    static int _ConvertToNewRecordFormat(const OLD_ESTJOBFILERECORD* oldRec, ESTJOBFILERECORD* newRec);
+    static int _ConvertToOldRecordFormat(const ESTJOBFILERECORD* newRec, OLD_ESTJOBFILERECORD* oldRec);
+
+    static const RERecordFileSpec kSpec;
+    int32_t m_appendPageOffset;  // added to the page numbers of appended records
+};
