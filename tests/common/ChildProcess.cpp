@@ -1,0 +1,183 @@
+#include "ChildProcess.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <map>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+extern char** environ;
+
+namespace testsupport {
+
+namespace {
+
+// Function-local so that registrations from any translation unit find it constructed.
+std::map<std::string, ChildRoutine>& Registry() {
+    static std::map<std::string, ChildRoutine> registry;
+    return registry;
+}
+
+void WriteAll(int fd, const char* data, size_t size) {
+    while (size > 0) {
+        ssize_t written = ::write(fd, data, size);
+        if (written < 0) {
+            if (errno == EINTR)
+                continue;
+            return;
+        }
+        data += written;
+        size -= static_cast<size_t>(written);
+    }
+}
+
+// Reads from fd into buffer until it holds a full line; false at end of input with no full line.
+bool ReadLine(int fd, std::string& buffer, std::string& line) {
+    for (;;) {
+        size_t end = buffer.find('\n');
+        if (end != std::string::npos) {
+            line = buffer.substr(0, end);
+            buffer.erase(0, end + 1);
+            return true;
+        }
+        char chunk[512];
+        ssize_t got = ::read(fd, chunk, sizeof chunk);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return false;
+        buffer.append(chunk, static_cast<size_t>(got));
+    }
+}
+
+// Runs the routine the environment names, then ends the process without returning to the test
+// framework. Does nothing in an ordinary test run.
+int DispatchChild() {
+    const char* wanted = std::getenv(kChildRoutineVariable);
+    if (wanted == nullptr)
+        return 0;
+    std::string name = wanted;
+    ::unsetenv(kChildRoutineVariable);
+    auto found = Registry().find(name);
+    if (found == Registry().end()) {
+        std::fprintf(stderr, "no child routine named '%s'\n", name.c_str());
+        std::_Exit(127);
+    }
+    ChildChannel channel;
+    found->second(channel);
+    std::fflush(nullptr);
+    ::_exit(0);
+}
+
+const int g_dispatched = DispatchChild();
+
+}  // namespace
+
+bool ChildChannel::readLine(std::string& line) { return ReadLine(STDIN_FILENO, m_buffer, line); }
+
+void ChildChannel::writeLine(const std::string& line) {
+    std::string message = line + "\n";
+    WriteAll(STDOUT_FILENO, message.data(), message.size());
+}
+
+void RegisterChildRoutine(const char* name, ChildRoutine routine) { Registry().emplace(name, routine); }
+
+ChildProcess::ChildProcess(const std::string& routine) {
+    (void)g_dispatched;
+    if (Registry().find(routine) == Registry().end())
+        throw std::invalid_argument("no child routine named " + routine);
+    // A child that died must not kill the test through SIGPIPE on the next send.
+    std::signal(SIGPIPE, SIG_IGN);
+
+    int toChild[2];
+    int fromChild[2];
+    if (::pipe2(toChild, O_CLOEXEC) != 0)
+        throw std::runtime_error("pipe failed");
+    if (::pipe2(fromChild, O_CLOEXEC) != 0) {
+        ::close(toChild[0]);
+        ::close(toChild[1]);
+        throw std::runtime_error("pipe failed");
+    }
+
+    // Everything exec needs is prepared before fork: the child may only make async-signal-safe calls.
+    std::string variable = std::string(kChildRoutineVariable) + "=" + routine;
+    std::vector<char*> environment;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        if (std::strncmp(*entry, kChildRoutineVariable, std::strlen(kChildRoutineVariable)) != 0)
+            environment.push_back(*entry);
+    }
+    environment.push_back(variable.data());
+    environment.push_back(nullptr);
+    char program[] = "/proc/self/exe";
+    char* arguments[] = {program, nullptr};
+
+    m_pid = ::fork();
+    if (m_pid == 0) {
+        ::dup2(toChild[0], STDIN_FILENO);
+        ::dup2(fromChild[1], STDOUT_FILENO);
+        ::execve(program, arguments, environment.data());
+        ::_exit(126);
+    }
+    ::close(toChild[0]);
+    ::close(fromChild[1]);
+    if (m_pid < 0) {
+        ::close(toChild[1]);
+        ::close(fromChild[0]);
+        throw std::runtime_error("fork failed");
+    }
+    m_toChild = toChild[1];
+    m_fromChild = fromChild[0];
+}
+
+ChildProcess::~ChildProcess() {
+    finish();
+    if (m_fromChild >= 0)
+        ::close(m_fromChild);
+}
+
+void ChildProcess::send(const std::string& line) {
+    if (m_toChild < 0)
+        return;
+    std::string message = line + "\n";
+    WriteAll(m_toChild, message.data(), message.size());
+}
+
+std::string ChildProcess::receive() {
+    std::string line;
+    if (m_fromChild < 0 || !ReadLine(m_fromChild, m_buffer, line))
+        return kEnded;
+    return line;
+}
+
+void ChildProcess::kill() {
+    if (m_pid > 0)
+        ::kill(m_pid, SIGKILL);
+    reap();
+}
+
+int ChildProcess::finish() {
+    reap();
+    return m_exitStatus;
+}
+
+void ChildProcess::reap() {
+    if (m_toChild >= 0) {
+        ::close(m_toChild);
+        m_toChild = -1;
+    }
+    if (m_pid <= 0)
+        return;
+    int status = 0;
+    while (::waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    m_exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    m_pid = -1;
+}
+
+}  // namespace testsupport
