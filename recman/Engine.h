@@ -1,0 +1,59 @@
+// The engine: the process's handle table, its shared file connections, and the file operations
+// (Open, Close, Create, Stat, Version). Record operations run in RecordOps under the file's mutex.
+//
+// One engine per process: a child after fork starts with an empty one and leaves its parent's
+// connections alone.
+#pragma once
+
+#include "recman/CallArgs.h"
+#include "recman/Handle.h"
+#include "recman/Platform.h"
+#include "recman/Store.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+namespace recman {
+
+class Engine {
+public:
+    static Engine& instance();
+
+    // REQUIRES: the operation code is one offered (the entry point checked it).
+    Status call(const CallArgs& a);
+
+private:
+    Engine();
+
+    Status open(const CallArgs& a);
+    Status close(const CallArgs& a);
+    Status create(const CallArgs& a);
+    Status stat(Handle& h, const CallArgs& a);
+    static Status version(const CallArgs& a);
+
+    // The live handle a position block names, or null.
+    std::shared_ptr<Handle> lookup(const void* posBlock);
+    std::shared_ptr<SharedFile> acquireFile(const platform::FileIdentity& id);
+    void releaseFile(const platform::FileIdentity& id, const std::shared_ptr<SharedFile>& file);
+    Status registerHandle(StoreFile& store, const Owner& owner, bool exclusive);
+
+    static void afterForkInChild();
+
+    std::mutex m_mutex;  // guards the tables below, never held while waiting for a file
+    std::unordered_map<uint64_t, std::shared_ptr<Handle>> m_handles;
+    std::map<platform::FileIdentity, std::shared_ptr<SharedFile>> m_files;
+    uint64_t m_nextHandle = 1;
+    const uint64_t m_token;
+    const int64_t m_pid;
+    const int64_t m_startToken;
+    std::unique_ptr<Store> m_store;
+    Engine* m_abandoned = nullptr;  // a parent's engine, kept reachable and untouched after fork
+};
+
+// The path a key buffer carries: its first keyLength bytes (255 when 0) up to the first NUL.
+std::string pathFromKey(const void* key, uint8_t keyLength);
+
+}  // namespace recman

@@ -1,0 +1,67 @@
+// A handle: what one successful Open creates. All state of a position block lives here, so copies
+// of a block share one position and one set of locks. Guarded by its file's mutex.
+#pragma once
+
+#include "recman/Platform.h"
+#include "recman/Store.h"
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace recman {
+
+// One process's use of one file: the store connection its handles share.
+struct SharedFile {
+    std::mutex mutex;
+    std::unique_ptr<StoreFile> store;  // opened by the first handle
+    bool writable = false;
+    int refs = 0;                      // handles and opens under way; guarded by the engine's mutex
+};
+
+enum class Logical { None, On, Broken };
+
+struct Handle {
+    uint64_t number = 0;
+    Owner owner;
+    std::shared_ptr<SharedFile> file;
+    platform::FileIdentity identity;
+    bool open = true;
+    bool readOnly = false;
+
+    // Current record, with the version read or written (passive conflict).
+    bool hasCurrent = false;
+    int64_t currentRecno = 0;
+    int64_t currentVersion = 0;
+
+    // Logical currency: key, encoded value, duplicate rank of the last entry reached.
+    Logical logical = Logical::None;
+    int logicalKey = 0;
+    std::string logicalValue;
+    int64_t logicalSeq = 0;
+
+    // Physical position: a record number, or before the first record.
+    bool physicalBefore = true;
+    int64_t physicalRecno = 0;
+
+    // Locks this handle holds.
+    bool hasSingle = false;
+    int64_t singleLock = 0;
+    std::set<int64_t> multipleLocks;
+
+    // Scratch buffers reused across calls.
+    std::string scratch, search, oldRecord, oldValue;
+    std::vector<uint8_t> keyValue, oldKey;
+    std::vector<Owner> holders;
+    RecordWrite write;
+
+    bool holdsLock(int64_t recno) const
+    {
+        return (hasSingle && singleLock == recno) || multipleLocks.count(recno) != 0;
+    }
+};
+
+}  // namespace recman

@@ -1,0 +1,85 @@
+#include "recman/Platform.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <random>
+
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace recman::platform {
+
+int64_t currentProcessId() { return int64_t(::getpid()); }
+
+int64_t processStartToken(int64_t pid)
+{
+    char name[64];
+    std::snprintf(name, sizeof name, "/proc/%lld/stat", static_cast<long long>(pid));
+    FILE* f = std::fopen(name, "r");
+    if (!f)
+        return 0;
+    char buf[1024];
+    const size_t n = std::fread(buf, 1, sizeof buf - 1, f);
+    std::fclose(f);
+    buf[n] = '\0';
+    // The command name may hold blanks and parentheses: fields are counted after the last ')'.
+    const char* p = std::strrchr(buf, ')');
+    if (!p)
+        return 0;
+    ++p;
+    // Field 22 is the start time; after ')' comes field 3.
+    for (int field = 3; field < 22 && *p; ++field) {
+        while (*p == ' ')
+            ++p;
+        while (*p && *p != ' ')
+            ++p;
+    }
+    return std::strtoll(p, nullptr, 10);
+}
+
+bool processAlive(int64_t pid, int64_t startToken)
+{
+    if (pid <= 0)
+        return false;
+    if (::kill(pid_t(pid), 0) != 0 && errno != EPERM)
+        return false;
+    if (startToken == 0)
+        return true;
+    const int64_t now = processStartToken(pid);
+    // A zombie or an unreadable process table entry keeps the owner alive only when tokens agree.
+    return now != 0 && now == startToken;
+}
+
+PathKind inspectPath(const std::string& path, FileIdentity& identity)
+{
+    struct stat st;
+    if (::stat(path.c_str(), &st) != 0)
+        return PathKind::Missing;
+    identity.device = uint64_t(st.st_dev);
+    identity.inode = uint64_t(st.st_ino);
+    if (S_ISDIR(st.st_mode))
+        return PathKind::Directory;
+    return S_ISREG(st.st_mode) ? PathKind::File : PathKind::Other;
+}
+
+bool canRead(const std::string& path) { return ::access(path.c_str(), R_OK) == 0; }
+bool canWrite(const std::string& path) { return ::access(path.c_str(), W_OK) == 0; }
+
+std::string siblingPath(const std::string& path, const std::string& name)
+{
+    const size_t slash = path.find_last_of('/');
+    return (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + name;
+}
+
+uint64_t randomToken()
+{
+    std::random_device rd;
+    const uint64_t a = (uint64_t(rd()) << 32) ^ rd();
+    const uint64_t t = uint64_t(std::chrono::steady_clock::now().time_since_epoch().count());
+    return (a ^ (t * 0x9E3779B97F4A7C15ull) ^ uint64_t(::getpid())) | 1;
+}
+
+}  // namespace recman::platform

@@ -1,0 +1,373 @@
+#include "recman/sqlite/SqliteFile.h"
+
+namespace recman::sqlite {
+
+SqliteFile::SqliteFile(sqlite3* db, FileSpec spec)
+    : m_db(db), m_spec(std::move(spec)), m_sql(SqlText::forSpec(m_spec)), m_autoFields(autoIncrementFields(m_spec)),
+      m_fixed(new Statement[FixedCount])
+{
+    m_seek.reserve(m_spec.keys.size());
+    for (size_t i = 0; i < m_spec.keys.size(); ++i)
+        m_seek.emplace_back(size_t(Seek::Previous) + 1);
+    m_autoMax = std::vector<Statement>(m_autoFields.size());
+    m_autoExists = std::vector<Statement>(m_autoFields.size());
+}
+
+SqliteFile::~SqliteFile()
+{
+    if (m_inTransaction)
+        rollback();
+    // Statements first: the connection closes cleanly (and checkpoints) only without them.
+    m_seek.clear();
+    m_autoMax.clear();
+    m_autoExists.clear();
+    m_fixed.reset();
+    sqlite3_close_v2(m_db);
+}
+
+Statement* SqliteFile::prepared(Statement& st, const std::string& text)
+{
+    if (!st.ready() && st.prepare(m_db, text) != SQLITE_OK)
+        return nullptr;
+    return &st;
+}
+
+Statement* SqliteFile::fixed(Fixed which)
+{
+    static const char* const texts[] = {
+        sql::Begin, sql::Commit, sql::Rollback, sql::CountInsert, sql::CountDelete, sql::NextSeq, sql::Count,
+        sql::Opens, sql::AddOpen, sql::RemoveOpen, sql::RemoveOwnerLocks, sql::LockHolders, sql::AddLock,
+        sql::RemoveLock, sql::RemoveRecordLocks,
+    };
+    Statement& st = m_fixed[which];
+    if (st.ready())
+        return &st;
+    switch (which) {
+    case FPhysFirst: return prepared(st, m_sql.physicalFirst);
+    case FPhysLast: return prepared(st, m_sql.physicalLast);
+    case FPhysNext: return prepared(st, m_sql.physicalNext);
+    case FPhysPrev: return prepared(st, m_sql.physicalPrevious);
+    case FRead: return prepared(st, m_sql.readRecord);
+    case FInsert: return prepared(st, m_sql.insert);
+    case FUpdate: return prepared(st, m_sql.update);
+    case FUpdateData: return prepared(st, m_sql.updateData);
+    case FRemove: return prepared(st, m_sql.remove);
+    default: return prepared(st, texts[which]);
+    }
+}
+
+Status SqliteFile::rowStatus(int rc) const
+{
+    return statusFor(rc == SQLITE_ERROR ? sqlite3_extended_errcode(m_db) : rc);
+}
+
+Status SqliteFile::run(Statement* st)
+{
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    ResetOnExit r(*st);
+    const int rc = st->step();
+    if (rc == SQLITE_DONE || rc == SQLITE_ROW)
+        return StatusOk;
+    return rowStatus(rc);
+}
+
+Status SqliteFile::begin()
+{
+    const Status s = run(fixed(FBegin));
+    m_inTransaction = s == StatusOk;
+    return s;
+}
+
+Status SqliteFile::commit()
+{
+    const Status s = run(fixed(FCommit));
+    if (s != StatusOk)
+        rollback();
+    m_inTransaction = false;
+    return s;
+}
+
+void SqliteFile::rollback()
+{
+    if (!sqlite3_get_autocommit(m_db))
+        run(fixed(FRollback));
+    m_inTransaction = false;
+}
+
+Status SqliteFile::fetch(Statement* st, bool withKey, FoundRecord& out)
+{
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    ResetOnExit r(*st);
+    const int rc = st->step();
+    if (rc == SQLITE_DONE)
+        return StatusEndOfFile;
+    if (rc != SQLITE_ROW)
+        return rowStatus(rc);
+    out.recno = st->integer(0);
+    out.version = st->integer(1);
+    st->blob(2, m_data);
+    out.data = &m_data;
+    out.seq = 0;
+    out.keyValue = nullptr;
+    if (withKey) {
+        st->blob(3, m_key);
+        out.keyValue = &m_key;
+        out.seq = st->integer(4);
+    }
+    return StatusOk;
+}
+
+Status SqliteFile::seekKey(int key, Seek how, const std::string& value, int64_t seq, FoundRecord& out)
+{
+    Statement* st = prepared(m_seek[size_t(key)][size_t(how)], m_sql.seekKey[size_t(key)][size_t(how)]);
+    if (st && how != Seek::First && how != Seek::Last) {
+        st->bindBlob(1, value.data(), value.size());
+        if (m_spec.keys[size_t(key)].duplicates && (how == Seek::Next || how == Seek::Previous))
+            st->bind(2, seq);
+    }
+    return fetch(st, true, out);
+}
+
+Status SqliteFile::seekPhysical(Seek how, int64_t recno, FoundRecord& out)
+{
+    Statement* st = nullptr;
+    switch (how) {
+    case Seek::First: st = fixed(FPhysFirst); break;
+    case Seek::Last: st = fixed(FPhysLast); break;
+    case Seek::Next: st = fixed(FPhysNext); break;
+    default: st = fixed(FPhysPrev); break;
+    }
+    if (st && (how == Seek::Next || how == Seek::Previous))
+        st->bind(1, recno);
+    return fetch(st, false, out);
+}
+
+Status SqliteFile::readRecord(int64_t recno, FoundRecord& out)
+{
+    Statement* st = fixed(FRead);
+    if (st)
+        st->bind(1, recno);
+    return fetch(st, false, out);
+}
+
+Status SqliteFile::recordCount(uint32_t& count)
+{
+    Statement* st = fixed(FCount);
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    ResetOnExit r(*st);
+    const int rc = st->step();
+    if (rc != SQLITE_ROW)
+        return rc == SQLITE_DONE ? StatusStoreFailure : rowStatus(rc);
+    count = uint32_t(st->integer(0));
+    return StatusOk;
+}
+
+Status SqliteFile::highestAutoValue(size_t field, int64_t& value)
+{
+    Statement* st = prepared(m_autoMax[field], m_sql.autoMax[field]);
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    ResetOnExit r(*st);
+    const int rc = st->step();
+    if (rc != SQLITE_ROW)
+        return rowStatus(rc);
+    value = st->isNull(0) ? 0 : st->integer(0);
+    return StatusOk;
+}
+
+Status SqliteFile::autoValueExists(size_t field, int64_t value, bool& exists)
+{
+    Statement* st = prepared(m_autoExists[field], m_sql.autoExists[field]);
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    ResetOnExit r(*st);
+    st->bind(1, value);
+    const int rc = st->step();
+    if (rc != SQLITE_ROW && rc != SQLITE_DONE)
+        return rowStatus(rc);
+    exists = rc == SQLITE_ROW;
+    return StatusOk;
+}
+
+void SqliteFile::bindRecord(Statement& st, const RecordWrite& rec, int64_t seq, bool keepUnchangedRank)
+{
+    st.bindBlob(3, rec.data, rec.length);
+    int p = 4;
+    for (size_t i = 0; i < m_spec.keys.size(); ++i, p += 2) {
+        const KeyEntry& k = rec.keys[i];
+        if (k.present)
+            st.bindBlob(p, k.value.data(), k.value.size());
+        else
+            st.bindNull(p);
+        const bool newRank = !keepUnchangedRank || rec.keyValueChanged[i];
+        if (m_spec.keys[i].duplicates && k.present && newRank)
+            st.bind(p + 1, seq);
+        else if (keepUnchangedRank)
+            st.bindNull(p + 1);
+        else
+            st.bind(p + 1, 0);
+    }
+    for (size_t j = 0; j < m_autoFields.size(); ++j)
+        st.bind(p++, rec.autoValues[j]);
+}
+
+Status SqliteFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq)
+{
+    Statement* counters = fixed(FCountInsert);
+    if (!counters)
+        return rowStatus(sqlite3_errcode(m_db));
+    {
+        ResetOnExit r(*counters);
+        const int rc = counters->step();
+        if (rc != SQLITE_ROW)
+            return rowStatus(rc);
+        recno = counters->integer(0);
+        seq = counters->integer(1);
+    }
+    Statement* st = fixed(FInsert);
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    version = 1;
+    st->bind(1, recno);
+    st->bind(2, version);
+    bindRecord(*st, rec, seq, false);
+    return run(st);
+}
+
+Status SqliteFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq)
+{
+    seq = 0;
+    bool needRank = false;
+    bool keysChanged = false;
+    for (size_t i = 0; i < m_spec.keys.size(); ++i) {
+        needRank = needRank || (m_spec.keys[i].duplicates && rec.keys[i].present && rec.keyValueChanged[i]);
+        keysChanged = keysChanged || rec.keyValueChanged[i];
+    }
+    if (!keysChanged) {
+        // Autoincrement fields are key segments, so they stay too: no index is touched.
+        Statement* st = fixed(FUpdateData);
+        if (!st)
+            return rowStatus(sqlite3_errcode(m_db));
+        st->bind(1, recno);
+        st->bind(2, newVersion);
+        st->bindBlob(3, rec.data, rec.length);
+        return run(st);
+    }
+    if (needRank) {
+        Statement* counter = fixed(FNextSeq);
+        if (!counter)
+            return rowStatus(sqlite3_errcode(m_db));
+        ResetOnExit r(*counter);
+        const int rc = counter->step();
+        if (rc != SQLITE_ROW)
+            return rowStatus(rc);
+        seq = counter->integer(0);
+    }
+    Statement* st = fixed(FUpdate);
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    st->bind(1, recno);
+    st->bind(2, newVersion);
+    bindRecord(*st, rec, seq, true);
+    return run(st);
+}
+
+Status SqliteFile::deleteRecord(int64_t recno)
+{
+    for (Fixed f : {FRemove, FRemoveRecordLocks}) {
+        Statement* st = fixed(f);
+        if (st)
+            st->bind(1, recno);
+        if (const Status s = run(st); s != StatusOk)
+            return s;
+    }
+    return run(fixed(FCountDelete));
+}
+
+Status SqliteFile::openHandles(std::vector<std::pair<Owner, bool>>& owners)
+{
+    owners.clear();
+    Statement* st = fixed(FOpens);
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    ResetOnExit r(*st);
+    int rc;
+    while ((rc = st->step()) == SQLITE_ROW)
+        owners.push_back({Owner{st->integer(0), st->integer(1), uint64_t(st->integer(2))}, st->integer(3) != 0});
+    return rc == SQLITE_DONE ? StatusOk : rowStatus(rc);
+}
+
+Status SqliteFile::ownerStatement(Fixed which, const Owner& owner)
+{
+    Statement* st = fixed(which);
+    if (st) {
+        st->bind(1, owner.pid);
+        st->bind(2, owner.startToken);
+        st->bind(3, int64_t(owner.handle));
+    }
+    return run(st);
+}
+
+Status SqliteFile::addHandle(const Owner& owner, bool exclusive)
+{
+    Statement* st = fixed(FAddOpen);
+    if (st) {
+        st->bind(1, owner.pid);
+        st->bind(2, owner.startToken);
+        st->bind(3, int64_t(owner.handle));
+        st->bind(4, exclusive ? 1 : 0);
+    }
+    return run(st);
+}
+
+Status SqliteFile::removeHandle(const Owner& owner) { return ownerStatement(FRemoveOpen, owner); }
+
+Status SqliteFile::removeOwner(const Owner& owner)
+{
+    if (const Status s = ownerStatement(FRemoveOpen, owner); s != StatusOk)
+        return s;
+    return ownerStatement(FRemoveOwnerLocks, owner);
+}
+
+Status SqliteFile::lockHolders(int64_t recno, std::vector<Owner>& owners)
+{
+    owners.clear();
+    Statement* st = fixed(FLockHolders);
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    ResetOnExit r(*st);
+    st->bind(1, recno);
+    int rc;
+    while ((rc = st->step()) == SQLITE_ROW)
+        owners.push_back(Owner{st->integer(0), st->integer(1), uint64_t(st->integer(2))});
+    return rc == SQLITE_DONE ? StatusOk : rowStatus(rc);
+}
+
+Status SqliteFile::addLock(int64_t recno, const Owner& owner)
+{
+    Statement* st = fixed(FAddLock);
+    if (st) {
+        st->bind(1, recno);
+        st->bind(2, owner.pid);
+        st->bind(3, owner.startToken);
+        st->bind(4, int64_t(owner.handle));
+    }
+    return run(st);
+}
+
+Status SqliteFile::removeLock(int64_t recno, const Owner& owner)
+{
+    Statement* st = fixed(FRemoveLock);
+    if (st) {
+        st->bind(1, recno);
+        st->bind(2, owner.pid);
+        st->bind(3, owner.startToken);
+        st->bind(4, int64_t(owner.handle));
+    }
+    return run(st);
+}
+
+}  // namespace recman::sqlite

@@ -1,0 +1,74 @@
+// One process's connection to one record-manager file in SQLite, with its prepared statements.
+#pragma once
+
+#include "recman/Store.h"
+#include "recman/sqlite/SqliteSchema.h"
+#include "recman/sqlite/Statement.h"
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <vector>
+
+namespace recman::sqlite {
+
+class SqliteFile final : public StoreFile {
+public:
+    // Takes the connection; `spec` was read from the file.
+    SqliteFile(sqlite3* db, FileSpec spec);
+    ~SqliteFile() override;
+
+    const FileSpec& spec() const override { return m_spec; }
+    const std::vector<const SegmentSpec*>& autoFields() const override { return m_autoFields; }
+
+    Status begin() override;
+    Status commit() override;
+    void rollback() override;
+
+    Status seekKey(int key, Seek how, const std::string& value, int64_t seq, FoundRecord& out) override;
+    Status seekPhysical(Seek how, int64_t recno, FoundRecord& out) override;
+    Status readRecord(int64_t recno, FoundRecord& out) override;
+    Status recordCount(uint32_t& count) override;
+
+    Status highestAutoValue(size_t field, int64_t& value) override;
+    Status autoValueExists(size_t field, int64_t value, bool& exists) override;
+    Status insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq) override;
+    Status updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq) override;
+    Status deleteRecord(int64_t recno) override;
+
+    Status openHandles(std::vector<std::pair<Owner, bool>>& owners) override;
+    Status addHandle(const Owner& owner, bool exclusive) override;
+    Status removeHandle(const Owner& owner) override;
+    Status removeOwner(const Owner& owner) override;
+
+    Status lockHolders(int64_t recno, std::vector<Owner>& owners) override;
+    Status addLock(int64_t recno, const Owner& owner) override;
+    Status removeLock(int64_t recno, const Owner& owner) override;
+
+private:
+    enum Fixed {
+        FBegin, FCommit, FRollback, FCountInsert, FCountDelete, FNextSeq, FCount, FOpens, FAddOpen,
+        FRemoveOpen, FRemoveOwnerLocks, FLockHolders, FAddLock, FRemoveLock, FRemoveRecordLocks,
+        FPhysFirst, FPhysLast, FPhysNext, FPhysPrev, FRead, FInsert, FUpdate, FUpdateData, FRemove, FixedCount
+    };
+
+    Statement* fixed(Fixed which);
+    Statement* prepared(Statement& st, const std::string& text);
+    Status run(Statement* st);  // steps a statement without result rows
+    Status rowStatus(int rc) const;
+    Status fetch(Statement* st, bool withKey, FoundRecord& out);
+    Status ownerStatement(Fixed which, const Owner& owner);
+    void bindRecord(Statement& st, const RecordWrite& rec, int64_t seq, bool keepUnchangedRank);
+
+    sqlite3* m_db;
+    FileSpec m_spec;
+    SqlText m_sql;
+    std::vector<const SegmentSpec*> m_autoFields;
+    std::unique_ptr<Statement[]> m_fixed;
+    std::vector<std::vector<Statement>> m_seek;
+    std::vector<Statement> m_autoMax, m_autoExists;
+    std::string m_data, m_key;
+    bool m_inTransaction = false;
+};
+
+}  // namespace recman::sqlite

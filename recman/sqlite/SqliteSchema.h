@@ -1,0 +1,75 @@
+// The SQLite layout of a record-manager file, and the text of every statement the store runs.
+//
+//   meta(name, value)          'signature' -> SchemaSignature, 'spec' -> the Stat block (count 0)
+//   state(id=1, count, nextrec, seq)
+//                              kept record count, highest record number given, duplicate-rank counter
+//   rec(n, v, d, k0, s0, ..., a0, ...)
+//                              record number (physical order), change version, data; per key i its
+//                              encoded value ki (NULL: no entry) and duplicate rank si; per
+//                              autoincrement field j its value aj
+//   index xi on rec(ki) UNIQUE, or rec(ki, si) for a duplicates key; index yj on rec(aj)
+//   opens(pid, tok, h, excl)   open handles;  locks(n, pid, tok, h)   record locks
+#pragma once
+
+#include "recman/FileSpec.h"
+#include "recman/Store.h"
+
+#include <string>
+#include <vector>
+
+namespace recman::sqlite {
+
+inline constexpr const char* SchemaSignature = "tarsel record manager file 1";
+
+// Distinct autoincrement fields of a spec, in segment order.
+std::vector<const SegmentSpec*> autoIncrementFields(const FileSpec& spec);
+
+// Statements that make an empty file's tables for `spec` (signature and spec rows included; the
+// caller binds nothing: values are inlined).
+std::vector<std::string> schemaStatements(const FileSpec& spec);
+
+// Every statement text of an open file.
+struct SqlText {
+    // Per key: one statement per Seek value. Result columns: n, v, d, k, s.
+    std::vector<std::vector<std::string>> seekKey;
+    // First, Last, Next, Previous by record number; then read by number. Result columns: n, v, d.
+    std::string physicalFirst, physicalLast, physicalNext, physicalPrevious, readRecord;
+    // ?1 n, ?2 v, ?3 d, then per key ?k ?s, then per autoincrement field ?a.
+    std::string insert;
+    // Same parameters; a NULL rank keeps the stored one.
+    std::string update;
+    // Update of a record whose key values all stay: ?1 n, ?2 v, ?3 d.
+    std::string updateData;
+    std::string remove;
+    std::vector<std::string> autoMax, autoExists;
+
+    static SqlText forSpec(const FileSpec& spec);
+};
+
+// Statements independent of the spec.
+namespace sql {
+inline constexpr const char* Begin = "BEGIN IMMEDIATE";
+inline constexpr const char* Commit = "COMMIT";
+inline constexpr const char* Rollback = "ROLLBACK";
+inline constexpr const char* ReadSignature = "SELECT value FROM meta WHERE name='signature'";
+inline constexpr const char* ReadSpec = "SELECT value FROM meta WHERE name='spec'";
+inline constexpr const char* CountInsert =
+    "UPDATE state SET count=count+1, nextrec=nextrec+1, seq=seq+1 WHERE id=1 RETURNING nextrec, seq";
+inline constexpr const char* CountDelete = "UPDATE state SET count=count-1 WHERE id=1";
+inline constexpr const char* NextSeq = "UPDATE state SET seq=seq+1 WHERE id=1 RETURNING seq";
+inline constexpr const char* Count = "SELECT count FROM state WHERE id=1";
+inline constexpr const char* Opens = "SELECT pid, tok, h, excl FROM opens";
+inline constexpr const char* AddOpen = "INSERT OR REPLACE INTO opens(pid, tok, h, excl) VALUES(?1, ?2, ?3, ?4)";
+inline constexpr const char* RemoveOpen = "DELETE FROM opens WHERE pid=?1 AND tok=?2 AND h=?3";
+inline constexpr const char* RemoveOwnerLocks = "DELETE FROM locks WHERE pid=?1 AND tok=?2 AND h=?3";
+inline constexpr const char* LockHolders = "SELECT pid, tok, h FROM locks WHERE n=?1";
+inline constexpr const char* AddLock = "INSERT OR IGNORE INTO locks(n, pid, tok, h) VALUES(?1, ?2, ?3, ?4)";
+inline constexpr const char* RemoveLock = "DELETE FROM locks WHERE n=?1 AND pid=?2 AND tok=?3 AND h=?4";
+inline constexpr const char* RemoveRecordLocks = "DELETE FROM locks WHERE n=?1";
+}  // namespace sql
+
+// Connection settings every connection to a file gets (WAL is set once, at creation).
+inline constexpr const char* ConnectionPragmas = "PRAGMA synchronous=NORMAL";
+inline constexpr int BusyTimeoutMs = 10000;
+
+}  // namespace recman::sqlite

@@ -1,0 +1,166 @@
+#include "recman/sqlite/SqliteStore.h"
+
+#include "recman/Platform.h"
+#include "recman/sqlite/SqliteFile.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace recman::sqlite {
+
+namespace {
+
+// Closes a connection unless released.
+struct ConnectionGuard {
+    sqlite3* db = nullptr;
+    ~ConnectionGuard() { sqlite3_close_v2(db); }
+    sqlite3* release()
+    {
+        sqlite3* d = db;
+        db = nullptr;
+        return d;
+    }
+};
+
+Status createStatus(int rc)
+{
+    switch (rc & 0xFF) {
+    case SQLITE_FULL: return StatusDiskFull;
+    case SQLITE_CANTOPEN: case SQLITE_PERM: case SQLITE_READONLY: case SQLITE_AUTH: return StatusCreateFailed;
+    default: return StatusStoreFailure;
+    }
+}
+
+// Reads a single-row, single-column blob; SQLite's result code, or SQLITE_NOTFOUND for no row.
+int readValue(sqlite3* db, const char* text, std::string& out)
+{
+    Statement st;
+    int rc = st.prepare(db, text);
+    if (rc != SQLITE_OK)
+        return rc;
+    rc = st.step();
+    if (rc == SQLITE_ROW) {
+        st.blob(0, out);
+        return SQLITE_OK;
+    }
+    return rc == SQLITE_DONE ? SQLITE_NOTFOUND : rc;
+}
+
+void configure(sqlite3* db)
+{
+    sqlite3_extended_result_codes(db, 1);
+    sqlite3_busy_timeout(db, BusyTimeoutMs);
+    sqlite3_exec(db, ConnectionPragmas, nullptr, nullptr, nullptr);
+}
+
+// Opens `path` when it is a file of this engine; the status tells why not.
+Status openConnection(const std::string& path, bool writable, sqlite3*& db, FileSpec& spec)
+{
+    ConnectionGuard g;
+    const int flags = (writable ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) | SQLITE_OPEN_NOMUTEX;
+    int rc = sqlite3_open_v2(path.c_str(), &g.db, flags, nullptr);
+    if (rc != SQLITE_OK)
+        return (rc & 0xFF) == SQLITE_CANTOPEN ? StatusAccessDenied : StatusStoreFailure;
+    configure(g.db);
+    std::string value;
+    rc = readValue(g.db, sql::ReadSignature, value);
+    switch (rc & 0xFF) {
+    case SQLITE_OK: break;
+    case SQLITE_BUSY: case SQLITE_LOCKED: return StatusFileLocked;
+    case SQLITE_IOERR: case SQLITE_NOMEM: case SQLITE_CANTOPEN: return StatusStoreFailure;
+    default: return StatusNotEngineFile;  // not a database, or another database
+    }
+    if (value != SchemaSignature)
+        return StatusNotEngineFile;
+    rc = readValue(g.db, sql::ReadSpec, value);
+    if (rc != SQLITE_OK)
+        return (rc & 0xFF) == SQLITE_NOTFOUND ? StatusNotEngineFile : statusFor(rc);
+    if (FileSpec::parse(reinterpret_cast<const uint8_t*>(value.data()), uint32_t(value.size()), spec) != StatusOk)
+        return StatusNotEngineFile;
+    db = g.release();
+    return StatusOk;
+}
+
+// True when a live handle of any process has the file at `path` open.
+bool openSomewhere(const std::string& path)
+{
+    sqlite3* db = nullptr;
+    FileSpec spec;
+    if (openConnection(path, false, db, spec) != StatusOk)
+        return false;  // not ours: nobody has it open through this engine
+    SqliteFile file(db, std::move(spec));
+    std::vector<std::pair<Owner, bool>> owners;
+    if (file.openHandles(owners) != StatusOk)
+        return true;
+    for (const auto& o : owners)
+        if (ownerAlive(o.first))
+            return true;
+    return false;
+}
+
+Status buildFile(const std::string& path, const FileSpec& spec)
+{
+    ConnectionGuard g;
+    int rc = sqlite3_open_v2(path.c_str(), &g.db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
+                             nullptr);
+    if (rc != SQLITE_OK)
+        return createStatus(rc);
+    configure(g.db);
+    std::string script = "BEGIN;";
+    for (const std::string& s : schemaStatements(spec))
+        script += s + ";";
+    script += "COMMIT;";
+    rc = sqlite3_exec(g.db, script.c_str(), nullptr, nullptr, nullptr);
+    if (rc == SQLITE_OK)
+        rc = sqlite3_exec(g.db, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
+    if (rc != SQLITE_OK)
+        return createStatus(rc);
+    rc = sqlite3_close(g.release());
+    return rc == SQLITE_OK ? StatusOk : createStatus(rc);
+}
+
+}  // namespace
+
+Status SqliteStore::create(const std::string& path, const FileSpec& spec, bool replace)
+{
+    platform::FileIdentity id;
+    const platform::PathKind kind = platform::inspectPath(path, id);
+    if (kind == platform::PathKind::Directory)
+        return StatusCreateFailed;
+    if (kind != platform::PathKind::Missing) {
+        if (!replace)
+            return StatusFileExists;
+        if (openSomewhere(path))
+            return StatusCreateFailed;
+    }
+    // The new file is built beside the old one under a short name, then renamed over it.
+    char name[64];
+    std::snprintf(name, sizeof name, ".recman-%lld-%llx", static_cast<long long>(platform::currentProcessId()),
+                  static_cast<unsigned long long>(platform::randomToken()));
+    const std::string temp = platform::siblingPath(path, name);
+    const Status s = buildFile(temp, spec);
+    if (s == StatusOk) {
+        std::remove((path + "-wal").c_str());
+        std::remove((path + "-shm").c_str());
+        if (std::rename(temp.c_str(), path.c_str()) == 0)
+            return StatusOk;
+    }
+    std::remove(temp.c_str());
+    std::remove((temp + "-wal").c_str());
+    std::remove((temp + "-shm").c_str());
+    std::remove((temp + "-journal").c_str());
+    return s == StatusOk ? StatusCreateFailed : s;
+}
+
+Status SqliteStore::open(const std::string& path, bool writable, std::unique_ptr<StoreFile>& out)
+{
+    sqlite3* db = nullptr;
+    FileSpec spec;
+    const Status s = openConnection(path, writable, db, spec);
+    if (s != StatusOk)
+        return s;
+    out = std::make_unique<SqliteFile>(db, std::move(spec));
+    return StatusOk;
+}
+
+}  // namespace recman::sqlite

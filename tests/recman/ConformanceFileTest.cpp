@@ -1,0 +1,252 @@
+// Open, Close, Create, Stat and Version: paths, modes, the create block and its validation order.
+#include "ConformanceFixture.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace conformance {
+namespace {
+
+namespace fs = std::filesystem;
+
+using FileOps = Conformance;
+
+FileLayout sampleLayout() {
+    return {64,
+            {{seg(1, 10, type::ZString, kf::Modifiable | kf::NoCase), seg(11, 4, type::Unsigned)},
+             {seg(21, 8, type::Integer, kf::Dup | kf::Descending)}},
+            0x0040,
+            1024};
+}
+
+TEST_F(FileOps, VersionAnswersOneZeroE) {
+    uint8_t buffer[8];
+    std::memset(buffer, 0xCC, sizeof buffer);
+    uint32_t length = sizeof buffer;
+    EXPECT_EQ(st::Ok, BTRCALL(op::Version, nullptr, buffer, &length, nullptr, 0, 0));
+    EXPECT_EQ(5u, length);
+    EXPECT_EQ(raw({1, 0, 0, 0, 'E', 0xCC}), Bytes(buffer, buffer + 6));
+
+    uint8_t shortBuffer[4] = {0xCC, 0xCC, 0xCC, 0xCC};
+    length = 4;
+    EXPECT_EQ(st::BadLength, BTRCALL(op::Version, nullptr, shortBuffer, &length, nullptr, 0, 0));
+    EXPECT_EQ(4u, length);
+    EXPECT_EQ(raw({0xCC, 0xCC, 0xCC, 0xCC}), Bytes(shortBuffer, shortBuffer + 4));
+}
+
+TEST_F(FileOps, StatReportsTheBlockAsCreatedWithTheRecordCount) {
+    FileLayout layout = sampleLayout();
+    Bytes block = createBlock(layout);
+    // Spare descriptions and reserved fields carry junk, as when a Stat block is passed back.
+    put(block, 6, le(0xDEADBEEF, 4));
+    put(block, 12, le(0x12345678, 4));
+    put(block, 16 + 6, le(77, 4));
+    for (int spare = 0; spare < 3; ++spare) {
+        Bytes junk(kSegmentSize, 0xFF);
+        block.insert(block.end(), junk.begin(), junk.end());
+    }
+    std::string p = path();
+    ASSERT_EQ(st::Ok, createRaw(p, block, static_cast<uint32_t>(block.size())));
+
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(p));
+    Bytes stat;
+    ASSERT_EQ(st::Ok, h.stat(stat));
+    Bytes expected = createBlock(layout);
+    ASSERT_EQ(expected.size(), stat.size());
+    EXPECT_EQ(expected, stat);
+
+    Handle other;
+    ASSERT_EQ(st::Ok, other.open(p));
+    for (int i = 0; i < 3; ++i)
+        ASSERT_EQ(st::Ok, other.insert(record(64, {{0, text("K" + std::to_string(i), 10)}})));
+    EXPECT_EQ(3u, h.count());  // every handle's committed records
+    ASSERT_EQ(st::Ok, other.erase());
+    EXPECT_EQ(2u, h.count());
+}
+
+TEST_F(FileOps, StatShortBufferGetsWhatFitsAndKeyBufferIsUntouched) {
+    std::string p = makeFile(sampleLayout());
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(p));
+    h.key.fill(0xAB);
+    Bytes stat;
+    EXPECT_EQ(st::BadLength, h.stat(stat, 20));
+    EXPECT_EQ(slice(createBlock(sampleLayout()), 0, 20), stat);
+    EXPECT_EQ(0xAB, h.key[0]);
+    EXPECT_EQ(0xAB, h.key[254]);
+}
+
+TEST_F(FileOps, OpenRefusesWhatIsNotAFileOfThisEngine) {
+    EXPECT_EQ(st::BadPath, Handle().open(""));
+    EXPECT_EQ(st::NoFile, Handle().open(path("absent.dat")));
+    fs::create_directory(path("dir"));
+    EXPECT_EQ(st::NoFile, Handle().open(path("dir")));
+
+    std::ofstream(path("text.dat")) << "not a record-manager file\n";
+    std::ofstream(path("empty.dat")).flush();
+    EXPECT_EQ(st::NotOurFile, Handle().open(path("text.dat")));
+    EXPECT_EQ(st::NotOurFile, Handle().open(path("empty.dat")));
+
+    sqlite3* db = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open(path("plain.db").c_str(), &db));
+    sqlite3_exec(db, "CREATE TABLE t(x); INSERT INTO t VALUES(1);", nullptr, nullptr, nullptr);
+    sqlite3_close(db);
+    EXPECT_EQ(st::NotOurFile, Handle().open(path("plain.db")));
+}
+
+TEST_F(FileOps, OpenModes) {
+    std::string p = makeFile(twoKeyFile());
+    {
+        Handle writer;
+        ASSERT_EQ(st::Ok, writer.open(p));
+        ASSERT_EQ(st::Ok, writer.insert(twoKeyRecord(1, 1)));
+    }
+    Handle readOnly;
+    ASSERT_EQ(st::Ok, readOnly.open(p, -2));
+    EXPECT_EQ(st::Denied, readOnly.insert(twoKeyRecord(2, 2)));
+    ASSERT_EQ(st::Ok, readOnly.get(op::GetFirst));
+    EXPECT_EQ(st::Denied, readOnly.update(twoKeyRecord(1, 5)));
+    EXPECT_EQ(st::Denied, readOnly.erase());
+    EXPECT_EQ(1u, readOnly.count());
+    // -1, -3 and unknown modes act as normal.
+    for (int8_t mode : {int8_t(-1), int8_t(-3), int8_t(5), int8_t(-100)}) {
+        SCOPED_TRACE(int(mode));
+        Handle h;
+        ASSERT_EQ(st::Ok, h.open(p, mode));
+        EXPECT_EQ(st::Ok, h.insert(twoKeyRecord(mode, 100 + mode)));
+    }
+}
+
+TEST_F(FileOps, ExclusiveOpensClashByFileIdentity) {
+    std::string p = makeFile(twoKeyFile());
+    fs::create_directory(path("sub"));
+    std::string dotted = dir.path().string() + "/sub/../file.dat";
+    fs::create_symlink(p, path("link.dat"));
+    fs::create_hard_link(p, path("hard.dat"));
+
+    Handle normal;
+    ASSERT_EQ(st::Ok, normal.open(p));
+    EXPECT_EQ(st::InUse, Handle().open(p, -4));
+    EXPECT_EQ(st::InUse, Handle().open(path("link.dat"), -4));
+    ASSERT_EQ(st::Ok, normal.close());
+
+    Handle exclusive;
+    ASSERT_EQ(st::Ok, exclusive.open(dotted, -4));
+    for (const std::string& name : {p, path("link.dat"), path("hard.dat")}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(st::FileLocked, Handle().open(name));
+        EXPECT_EQ(st::FileLocked, Handle().open(name, -2));
+        EXPECT_EQ(st::FileLocked, Handle().open(name, -4));
+    }
+    EXPECT_EQ(st::CannotCreate, create(path("link.dat"), twoKeyFile()));
+    ASSERT_EQ(st::Ok, exclusive.insert(twoKeyRecord(1, 1)));
+    ASSERT_EQ(st::Ok, exclusive.close());
+    Handle again;
+    ASSERT_EQ(st::Ok, again.open(path("hard.dat")));
+    EXPECT_EQ(1u, again.count());
+}
+
+TEST_F(FileOps, PathIsCutAtNulOrKeyLength) {
+    std::string p = makeFile(twoKeyFile(), "with blank .dat");
+    std::array<uint8_t, kBlockSize> block{};
+    uint32_t length = 0;
+    std::array<uint8_t, kKeyBufferSize> key{};
+
+    // Length without the NUL, zeros beyond.
+    std::memcpy(key.data(), p.data(), p.size());
+    ASSERT_EQ(st::Ok, BTRCALL(op::Open, block.data(), nullptr, &length, key.data(), uint8_t(p.size()), 0));
+    ASSERT_EQ(st::Ok, BTRCALL(op::Close, block.data(), nullptr, nullptr, nullptr, 0, 0));
+    // Length 0 reads up to 255 bytes, cut at the NUL.
+    ASSERT_EQ(st::Ok, BTRCALL(op::Open, block.data(), nullptr, &length, key.data(), 0, 0));
+    ASSERT_EQ(st::Ok, BTRCALL(op::Close, block.data(), nullptr, nullptr, nullptr, 0, 0));
+    // Bytes past keyLength are not part of the path.
+    key[p.size()] = 'X';
+    ASSERT_EQ(st::Ok, BTRCALL(op::Open, block.data(), nullptr, &length, key.data(), uint8_t(p.size()), 0));
+    ASSERT_EQ(st::Ok, BTRCALL(op::Close, block.data(), nullptr, nullptr, nullptr, 0, 0));
+    // ... but with the full length they are; and a trailing blank is part of the name.
+    EXPECT_EQ(st::NoFile, BTRCALL(op::Open, block.data(), nullptr, &length, key.data(), 0, 0));
+    EXPECT_EQ(st::NoFile, Handle().open(p + " "));
+}
+
+// A path of 255 bytes fills the key buffer with no NUL; one of 254 leaves room for it.
+TEST_F(FileOps, TheLongestPathsFitTheKeyBuffer) {
+    for (size_t wanted : {size_t(254), size_t(255)}) {
+        SCOPED_TRACE(wanted);
+        std::string p = dir.path().string() + "/l" + std::to_string(wanted);
+        fs::create_directory(p);
+        while (p.size() + 1 + 100 < wanted) {
+            p += "/" + std::string(99, 'd');
+            fs::create_directory(p);
+        }
+        p += "/" + std::string(wanted - p.size() - 1, 'f');
+        ASSERT_EQ(wanted, p.size());
+        std::array<uint8_t, kKeyBufferSize> key{};
+        std::memcpy(key.data(), p.data(), p.size());
+        Bytes block = createBlock(twoKeyFile());
+        uint32_t length = static_cast<uint32_t>(block.size());
+        ASSERT_EQ(st::Ok, BTRCALL(op::Create, nullptr, block.data(), &length, key.data(), 255, 0));
+        EXPECT_TRUE(fs::exists(p));
+        std::array<uint8_t, kBlockSize> pos{};
+        length = 0;
+        EXPECT_EQ(st::Ok, BTRCALL(op::Open, pos.data(), nullptr, &length, key.data(), 0, 0));
+        EXPECT_EQ(st::Ok, BTRCALL(op::Close, pos.data(), nullptr, nullptr, nullptr, 0, 0));
+    }
+}
+
+TEST_F(FileOps, RelativePathStartsAtTheCurrentDirectory) {
+    makeFile(twoKeyFile(), "rel.dat");
+    fs::path previous = fs::current_path();
+    fs::current_path(dir.path());
+    Handle h;
+    int16_t status = h.open("rel.dat");
+    int16_t created = create("made.dat", twoKeyFile());
+    fs::current_path(previous);
+    EXPECT_EQ(st::Ok, status);
+    EXPECT_EQ(st::Ok, created);
+    EXPECT_TRUE(fs::exists(path("made.dat")));
+}
+
+TEST_F(FileOps, CloseEndsTheHandleAndZeroesTheBlock) {
+    std::string p = makeFile(twoKeyFile());
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(p));
+    ASSERT_EQ(st::Ok, h.close());
+    EXPECT_EQ((std::array<uint8_t, kBlockSize>{}), h.block);
+    EXPECT_EQ(st::NotOpen, h.close());
+    EXPECT_EQ(st::NotOpen, BTRCALL(op::Close, nullptr, nullptr, nullptr, nullptr, 0, 0));
+}
+
+TEST_F(FileOps, ClosedFileStandsAloneAtItsPath) {
+    std::string p = makeFile(twoKeyFile());
+    {
+        Handle h;
+        ASSERT_EQ(st::Ok, h.open(p));
+        for (int i = 0; i < 20; ++i)
+            ASSERT_EQ(st::Ok, h.insert(twoKeyRecord(i, i)));
+    }
+    for (const auto& entry : fs::directory_iterator(dir.path()))
+        EXPECT_EQ(p, entry.path().string()) << "companion file left behind";
+    fs::rename(p, path("moved.dat"));
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(path("moved.dat")));
+    EXPECT_EQ(20u, h.count());
+    EXPECT_EQ(20u, h.readAll().size());
+}
+
+TEST_F(FileOps, PermissionsAreCheckedAtOpen) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "file permissions do not bind root";
+    std::string p = makeFile(twoKeyFile());
+    ::chmod(p.c_str(), 0444);
+    EXPECT_EQ(st::Denied, Handle().open(p));
+    EXPECT_EQ(st::Ok, Handle().open(p, -2));
+    ::chmod(p.c_str(), 0);
+    EXPECT_EQ(st::Denied, Handle().open(p, -2));
+}
+
+}  // namespace
+}  // namespace conformance
