@@ -51,27 +51,24 @@ REBtrieveBase& REBtrieveBase::operator=(const REBtrieveBase& other) {
 }
 
 REBtrieveBase::~REBtrieveBase() {
-    if (!m_isOpen)
-        return;
-    uint8_t scratch[1] = {0};
-    uint32_t scratchLength = 0;
-    int16_t status = Btrieve(kOpClose, m_posBlock, scratch, &scratchLength, m_keyBuffer,
-                             static_cast<uint8_t>(m_keyLength), static_cast<int8_t>(m_keyNumber));
-    if (CheckStatus(status, 1))
+    if (m_isOpen && CheckStatus(_CloseFile(), 1))
         m_isOpen = 0;
 }
 
 int REBtrieveBase::Close() {
     if (!m_isOpen)
         return 0;
-    uint8_t scratch[1] = {0};
-    uint32_t scratchLength = 0;
-    int16_t status = Btrieve(kOpClose, m_posBlock, scratch, &scratchLength, m_keyBuffer,
-                             static_cast<uint8_t>(m_keyLength), static_cast<int8_t>(m_keyNumber));
-    if (!CheckStatus(status, 1))
+    if (!CheckStatus(_CloseFile(), 1))
         return 0;
     m_isOpen = 0;
     return 1;
+}
+
+int16_t REBtrieveBase::_CloseFile() {
+    uint8_t scratch[1] = {0};
+    uint32_t scratchLength = 0;
+    return Btrieve(kOpClose, m_posBlock, scratch, &scratchLength, m_keyBuffer, static_cast<uint8_t>(m_keyLength),
+                   static_cast<int8_t>(m_keyNumber));
 }
 
 int REBtrieveBase::Open(const char* path) {

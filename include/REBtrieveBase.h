@@ -146,4 +146,8 @@ protected:
     uint32_t m_dataBufLenRet;
     char m_fileName[kFileNameSize];
     int32_t m_isOpen;
+
+private:
+    // Issues Close through the long form with the object's key buffer, length and number.
+    int16_t _CloseFile();
 };
