@@ -93,7 +93,7 @@ public:
 class Store {
 public:
     virtual ~Store() = default;
-    // Create's file checks and the making of the file; the spec is already valid. `replace` false
+    // Create's file checks and the making of the file; the specification block is already valid. `replace` false
     // refuses an existing file (59); a file open anywhere answers 25, a full disk 18.
     virtual Status create(const std::string& path, const FileSpec& spec, bool replace) = 0;
     // Opens a file known to exist and be a regular file; StatusNotEngineFile for a foreign one.

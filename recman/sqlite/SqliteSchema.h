@@ -46,7 +46,7 @@ struct SqlText {
     static SqlText forSpec(const FileSpec& spec);
 };
 
-// Statements independent of the spec.
+// Statements that do not depend on the file's keys.
 namespace sql {
 inline constexpr const char* Begin = "BEGIN IMMEDIATE";
 inline constexpr const char* Commit = "COMMIT";
