@@ -51,6 +51,21 @@ public:
     int BreakInchValue(const float& value, float& feet, float& inches, int& numerator, int& denominator,
                        const int& keepSixteenths) const;
 
+    // The object's state, readable by callers: the marks, the "VOID" word, the last text read,
+    // the unit, and the held value as feet, inches and numerator over denominator.
+    char m_cFractionMark;
+    char m_cFootMark;
+    char m_cDashMark;
+    char m_cPlusMark;
+    std::string m_strVoid;
+    std::string m_strInput;
+    DefaultUnit m_eDefaultUnit;
+    float m_fFeet;
+    float m_fInches;
+    int32_t m_nNumerator;
+    int32_t m_nDenominator;
+    std::string m_strSpare;
+
 private:
     int _EvaluateString(const std::string& text);
     int _CheckString(const std::string& text) const;
@@ -68,17 +83,4 @@ private:
     // The held value in inches, or in feet, computed in double precision.
     double _InchValue() const;
     double _FeetValue() const;
-
-    char m_cFractionMark;
-    char m_cFootMark;
-    char m_cDashMark;
-    char m_cPlusMark;
-    std::string m_strVoid;
-    std::string m_strInput;
-    DefaultUnit m_eDefaultUnit;
-    float m_fFeet;
-    float m_fInches;
-    int32_t m_nNumerator;
-    int32_t m_nDenominator;
-    std::string m_strSpare;
 };

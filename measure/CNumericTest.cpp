@@ -27,7 +27,7 @@ CNumericTest& CNumericTest::operator=(const CNumericTest&)
     return *this;
 }
 
-int CNumericTest::_IsIntegerEx(const std::string& text) const
+int CNumericTest::_IsIntegerEx(const std::string& text)
 {
     for (const char c : text)
         if (c < '0' || c > '9')
@@ -35,13 +35,13 @@ int CNumericTest::_IsIntegerEx(const std::string& text) const
     return 1;
 }
 
-int CNumericTest::IsInteger(std::string text) const
+int CNumericTest::IsInteger(std::string text)
 {
     DropLeadingMinus(text);
     return _IsIntegerEx(text);
 }
 
-int CNumericTest::IsFloat(std::string text) const
+int CNumericTest::IsFloat(std::string text)
 {
     DropLeadingMinus(text);
     const size_t point = text.find(kPoint);
@@ -52,19 +52,19 @@ int CNumericTest::IsFloat(std::string text) const
     return _IsIntegerEx(text.substr(point + 1));
 }
 
-int CNumericTest::CompareToStringwrtDouble(std::string a, std::string b) const
+int CNumericTest::CompareToStringwrtDouble(std::string a, std::string b)
 {
     return std::atof(a.c_str()) == std::atof(b.c_str()) ? 0 : -1;
 }
 
-int CNumericTest::GetnDecimalDigit(const std::string& text) const
+int CNumericTest::GetnDecimalDigit(const std::string& text)
 {
     const size_t point = text.find(kPoint);
     const size_t digits = point == std::string::npos ? text.size() : text.size() - point - 1;
     return digits > static_cast<size_t>(INT_MAX) ? INT_MAX : static_cast<int>(digits);
 }
 
-std::string CNumericTest::GetNumeratorNDenominator(const float& value) const
+std::string CNumericTest::GetNumeratorNDenominator(const float& value)
 {
     const float whole = std::trunc(value);
     if (!measure_detail::FitsInt32(whole)) {

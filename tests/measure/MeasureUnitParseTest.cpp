@@ -144,4 +144,29 @@ TEST(MeasureUnitParse, CopiesKeepTheValueAndUnit)
     EXPECT_FLOAT_EQ(value, 1.5f);  // still reads feet
 }
 
+// The held feet, inches and fraction, and what construction and a new evaluation leave in them.
+TEST(MeasureUnitParse, HeldParts)
+{
+    CFPSLMeasureUnit m(CFPSLMeasureUnit::Feet);
+    EXPECT_EQ(std::string() + m.m_cFractionMark + m.m_cFootMark + m.m_cDashMark + m.m_cPlusMark, "/'-+");
+    EXPECT_EQ(m.m_strVoid, "VOID");
+    EXPECT_EQ(m.m_eDefaultUnit, CFPSLMeasureUnit::Feet);
+    EXPECT_EQ(m.m_nDenominator, 0);  // reset: no fraction yet
+
+    CFPSLMeasureUnit inches(CFPSLMeasureUnit::Inch);
+    float value = 0;
+    ASSERT_EQ(inches.Evaluate(std::string("  30 1/2 "), value), 1);
+    EXPECT_EQ(inches.m_strInput, "30 1/2");
+    EXPECT_EQ(inches.m_fFeet, 2.0f);
+    EXPECT_EQ(inches.m_fInches, 6.0f);
+    EXPECT_EQ(inches.m_nNumerator, 1);
+    EXPECT_EQ(inches.m_nDenominator, 2);
+
+    ASSERT_EQ(inches.Evaluate(std::string("18"), value), 1);
+    EXPECT_EQ(inches.m_fFeet, 1.0f);
+    EXPECT_EQ(inches.m_fInches, 6.0f);
+    EXPECT_EQ(inches.m_nNumerator, 0);
+    EXPECT_EQ(inches.m_nDenominator, 16);
+}
+
 } // namespace
