@@ -60,8 +60,11 @@ int RERecordFileEngine::_CopyFileFrom(RERecordFileEngine* src) {
 }
 
 int RERecordFileEngine::_CopyRecords(REBtrieveBase& src, int srcIsOld, int maxCount) {
-    std::vector<uint8_t> read(srcIsOld ? m_spec->oldSize : m_spec->newSize);
-    std::vector<uint8_t> converted(m_isOldFormat ? m_spec->oldSize : m_spec->newSize);
+    // The source transfers its own data-buffer length, which the caller may have set to more
+    // than either layout; the buffer takes whichever is larger.
+    const size_t recordSize = std::max(m_spec->newSize, m_spec->oldSize);
+    std::vector<uint8_t> read(std::max(recordSize, static_cast<size_t>(std::max(src.m_dataBufLen, 0))));
+    std::vector<uint8_t> converted(recordSize);
     src.SetKeyNumber(0);
     if (src.Btrieve(kOpStepFirst, read.data()) != kStatusSuccess)
         return 0;
@@ -71,10 +74,10 @@ int RERecordFileEngine::_CopyRecords(REBtrieveBase& src, int srcIsOld, int maxCo
     while (status == kStatusSuccess && copied < maxCount) {
         _AdjustCopiedRecord(read.data(), srcIsOld);
         void* out = read.data();
-        if (srcIsOld && !m_isOldFormat) {
+        if (srcIsOld && !m_isOldFormat && m_spec->toNew != nullptr) {
             m_spec->toNew(read.data(), converted.data());
             out = converted.data();
-        } else if (!srcIsOld && m_isOldFormat) {
+        } else if (!srcIsOld && m_isOldFormat && m_spec->toOld != nullptr) {
             m_spec->toOld(read.data(), converted.data());
             out = converted.data();
         }

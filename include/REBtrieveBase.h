@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #pragma pack(push, 1)
 // File specification block written by Stat: record length, page size, number of keys, number of
@@ -112,6 +113,19 @@ public:
     // is accepted and ignored).
     int16_t Btrieve(uint16_t op, void* posBlock, void* dataBuffer, uint32_t* dataLength, void* keyBuffer,
                     uint8_t keyLength, int8_t keyNumber);
+    // The long form for a caller whose length variable is an `unsigned long`; the record manager
+    // takes and returns the length as 32 bits. (A template, so that a null length still picks the
+    // form above.)
+    template <class Length, std::enable_if_t<std::is_same_v<Length, unsigned long>, int> = 0>
+    int16_t Btrieve(uint16_t op, void* posBlock, void* dataBuffer, Length* dataLength, void* keyBuffer,
+                    uint8_t keyLength, int8_t keyNumber) {
+        uint32_t length = dataLength != nullptr ? static_cast<uint32_t>(*dataLength) : 0;
+        const int16_t status = Btrieve(op, posBlock, dataBuffer, dataLength != nullptr ? &length : nullptr,
+                                       keyBuffer, keyLength, keyNumber);
+        if (dataLength != nullptr)
+            *dataLength = length;
+        return status;
+    }
 
     // Zeroes the key buffer and copies `length` bytes of `key` into it (at most 255).
     void SetKeyBuffer(const void* key, const int& length);
@@ -137,7 +151,7 @@ public:
     // Shows the text of a record-manager status (`prefix` is not used).
     static void ShowStatusCodeMsg(const char* prefix, const int& code);
 
-protected:
+    // The object's state, readable by callers as well as by the derived file classes.
     uint8_t m_posBlock[kPosBlockSize];
     uint8_t m_keyBuffer[kKeyBufferSize];
     int32_t m_keyLength;

@@ -78,6 +78,12 @@ TARSEL_API int ConvertOldDateToNew(const char* oldDate, double& date);
 // A 4-byte Microsoft Binary Format single as stored in the oldest files, to a double. The sign
 // bit is read as part of the mantissa, as those files have always been read.
 TARSEL_API double cvsmbf(const char* fourBytes);
+// The same for bytes held as unsigned char (a template, so that a null pointer still picks the
+// char form).
+template <class Byte, std::enable_if_t<std::is_same_v<Byte, unsigned char>, int> = 0>
+double cvsmbf(const Byte* fourBytes) {
+    return cvsmbf(reinterpret_cast<const char*>(fourBytes));
+}
 
 // Makes a file name "<prefix><random 0..32767>.<extension>" that does not exist in `directory`
 // and stores it (name only) in `fileName`. The prefix is "TSL" unless given; a prefix longer

@@ -44,15 +44,27 @@ public:
     // 1 while the open file has the old record layout.
     int IsOldFormat() const { return m_isOldFormat; }
 
+    // Opens `path` unless already open and tells its layout by the record length; a length of
+    // neither layout shows the class's corrupt-file message and gives 0.
+    int _FileOpen(const char* path);
+    // One record-manager call with a new-layout record, converted when the file is old. End of
+    // file and a failed Get Equal are silent; other failures show the class's message.
+    int _CallBtrieve(unsigned op, void* rec);
+    // Appends at most `maxCount` records of the open file `src` (old layout when `srcIsOld`),
+    // converted to this file's layout, in physical order; 0 when `src` has none.
+    int _CopyRecords(REBtrieveBase& src, int srcIsOld, int maxCount);
+
+    int32_t m_isOldFormat;   // 1 while the open file has the old record length
+    int32_t m_searchActive;  // 1 from the start of a key search until a search finds nothing
+    // Path and open flag of the classes that keep their own (RERecordFileSpec::ownPath).
+    char m_filePath[kFileNameSize];
+    int32_t m_fileOpen;
+
 protected:
     enum Position { kFirst, kLast, kNext, kPrevious };
 
     explicit RERecordFileEngine(const RERecordFileSpec& spec);
 
-    int _FileOpen(const char* path);
-    // One record-manager call with a new-layout record, converted when the file is old. End of
-    // file and a failed Get Equal are silent; other failures show the class's message.
-    int _CallBtrieve(unsigned op, void* rec);
     int _GetPositional(Position position, void* rec);
     int _GetHighestRecord(void* rec);
     int _GetEqualMatch(const char* key, void* rec);
@@ -62,7 +74,6 @@ protected:
     int _UpdateCurrent(const void* rec);
     int _DeleteCurrent();
     int _CopyFileFrom(RERecordFileEngine* src);
-    int _CopyRecords(REBtrieveBase& src, int srcIsOld, int maxCount);
 
     // The class's key search for AddRecord: 1 when a record with `rec`'s key exists. The default
     // searches nothing and lets the record manager refuse a duplicate key.
@@ -71,12 +82,6 @@ protected:
     // the source, in the layout it was read in (`isOld`), before it is converted and inserted.
     virtual void _BeginCopy(int srcIsOld);
     virtual void _AdjustCopiedRecord(void* rec, int isOld);
-
-    int32_t m_isOldFormat;
-    int32_t m_searchActive;
-    // Path and open flag of the classes that keep their own (RERecordFileSpec::ownPath).
-    char m_filePath[kFileNameSize];
-    int32_t m_fileOpen;
 
 private:
     int _Write(uint16_t op, const void* rec);
@@ -109,10 +114,10 @@ public:
     int CopyFile(Derived* src) { return CopyFileA(src); }
 #endif
 
+    int _CallBtrieve(unsigned op, REC* rec) { return RERecordFileEngine::_CallBtrieve(op, rec); }
+
 protected:
     using RERecordFileEngine::RERecordFileEngine;
-
-    int _CallBtrieve(unsigned op, REC* rec) { return RERecordFileEngine::_CallBtrieve(op, rec); }
 
     // Frees every record of the collection and empties it; 1. Classes name these after their
     // records (ResetJobRecList).

@@ -223,6 +223,24 @@ TEST_F(REBtrieveBaseTest, LongCallFormAlwaysUsesTheObjectsOwnFile) {
     EXPECT_EQ(file.Btrieve(REBtrieveBase::kOpStat, nullptr, &stat, &length, key, 255, 0), 0);
 }
 
+TEST_F(REBtrieveBaseTest, LongCallFormTakesAnUnsignedLongLength) {
+    REBtrieveBase file;
+    ASSERT_EQ(file.Open(path.c_str()), 1);
+    InsertRecords(file, 1);
+    char record[64] = {0};
+    uint8_t key[255] = {0};
+    unsigned long length = sizeof record;
+    ASSERT_EQ(file.Btrieve(REBtrieveBase::kOpGetFirst, nullptr, record, &length, key, 255, 0), 0);
+    EXPECT_EQ(length, static_cast<unsigned long>(kRecordLength));
+    EXPECT_STREQ(record, "K0000");
+    // The size given is the buffer the record manager may fill: too small a one is refused.
+    length = kRecordLength - 1;
+    EXPECT_EQ(file.Btrieve(REBtrieveBase::kOpGetFirst, nullptr, record, &length, key, 255, 0),
+              REBtrieveBase::kStatusDataBufferTooShort);
+    // A null length still names one form.
+    static_assert(requires(REBtrieveBase& b) { b.Btrieve(0, nullptr, nullptr, nullptr, nullptr, 0, 0); });
+}
+
 TEST_F(REBtrieveBaseTest, SetKeyBufferZeroesAndBoundsTheKey) {
     Probe file;
     uint8_t longKey[300];

@@ -220,6 +220,25 @@ TYPED_TEST(RecordFilePattern, AppendCopiesTwentyRecordsUnlessAll) {
     EXPECT_EQ(0, target.AppendFile(nullptr, 1));
 }
 
+TYPED_TEST(RecordFilePattern, CopyRecordsAppendsAtMostTheCountFromAnOpenSource) {
+    const std::string source = this->path("source.dat");
+    {
+        typename TypeParam::File file;
+        this->createAndOpen(file, source);
+        this->fill(file, 8);
+    }
+    REBtrieveBase src;
+    ASSERT_EQ(1, src.Open(source.c_str()));
+    // More buffer than one record: the copy must still hold whatever the source returns.
+    src.SetDataBufLen(4096);
+    typename TypeParam::File target;
+    this->createAndOpen(target, this->path("target.dat"));
+    EXPECT_EQ(1, target._CopyRecords(src, 0, 5));
+    EXPECT_EQ(5u, this->all(target).size());
+    EXPECT_EQ(1, target._CopyRecords(src, 0, 0));
+    EXPECT_EQ(5u, this->all(target).size());
+}
+
 TYPED_TEST(RecordFilePattern, CopyFileReplacesTheTargetsRecords) {
     typename TypeParam::File source, target;
     this->createAndOpen(source, this->path("source.dat"));

@@ -125,7 +125,9 @@ TEST(cvsmbf, ConvertsStoredSingles) {
     };
     for (const Case& c : cases) {
         EXPECT_DOUBLE_EQ(cvsmbf(reinterpret_cast<const char*>(c.bytes)), c.expected);
+        EXPECT_DOUBLE_EQ(cvsmbf(c.bytes), c.expected);
     }
+    EXPECT_DOUBLE_EQ(cvsmbf("\x00\x00\x20\x84"), 10.0);
     EXPECT_EQ(cvsmbf(nullptr), 0.0);
 }
 
