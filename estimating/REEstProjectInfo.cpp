@@ -183,9 +183,9 @@ int16_t REEstProjectInfo::_LockedProbe(long id) {
 
 int REEstProjectInfo::GetProjectDetail(PROJINFORMATION* info, const int& lock) {
     if (lock != 0)
-        return _LockedProbe(kProjectRecordId) == kStatusSuccess ? 1 : 0;
+        return _LockedProbe(m_iConstJobIDForProjInfo) == kStatusSuccess ? 1 : 0;
     TSLESTIMATEDATA rec;
-    if (!_GetAtOrAbove(kProjectRecordId, &rec) || rec.nId != kProjectRecordId)
+    if (!_GetAtOrAbove(m_iConstJobIDForProjInfo, &rec) || rec.nId != m_iConstJobIDForProjInfo)
         return 0;
     if (info != nullptr)
         std::memcpy(info, &rec.data, sizeof *info);
@@ -200,7 +200,7 @@ int REEstProjectInfo::AddProjectDetail(PROJINFORMATION* info) {
     if (!IsValidProjName(name))
         return 0;
     TSLESTIMATEDATA rec{};
-    rec.nId = kProjectRecordId;
+    rec.nId = m_iConstJobIDForProjInfo;
     std::memcpy(&rec.data, info, sizeof *info);
     SetKeyNumber(0);
     return _AddNewRecord(&rec);
@@ -210,17 +210,17 @@ int REEstProjectInfo::UpdProjectDetail(PROJINFORMATION* info) {
     if (info == nullptr)
         return 0;
     TSLESTIMATEDATA rec;
-    if (!_GetAtOrAbove(kProjectRecordId, &rec) || rec.nId != kProjectRecordId)
+    if (!_GetAtOrAbove(m_iConstJobIDForProjInfo, &rec) || rec.nId != m_iConstJobIDForProjInfo)
         return 0;
     PROJINFORMATION stored;
     std::memcpy(&stored, &rec.data, sizeof stored);
     if (!SameTextIgnoringCase(info->sText20, stored.sText20))
         return 0;
     rec = TSLESTIMATEDATA{};
-    rec.nId = kProjectRecordId;
+    rec.nId = m_iConstJobIDForProjInfo;
     std::memcpy(&rec.data, info, sizeof *info);
     if (!_UpdateCurrent(&rec))
         return 0;
-    m_projectLock.UpdateOtherUseres(m_strCurUser.c_str(), kProjectRecordId);
+    m_projectLock.UpdateOtherUseres(m_strCurUser.c_str(), m_iConstJobIDForProjInfo);
     return 1;
 }

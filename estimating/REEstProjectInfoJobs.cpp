@@ -5,7 +5,7 @@
 
 int REEstProjectInfo::GetAllJobRecs(std::vector<TSLESTIMATEDATA*>& jobs) {
     TSLESTIMATEDATA rec;
-    for (int found = _GetAtOrAbove(kFirstJobId, &rec); found && rec.nId > kProjectRecordId;
+    for (int found = _GetAtOrAbove(m_iConstJobIDForFirstJob, &rec); found && rec.nId > m_iConstJobIDForProjInfo;
          found = _ReadNext(&rec)) {
         auto* copy = static_cast<TSLESTIMATEDATA*>(std::malloc(sizeof rec));
         *copy = rec;
@@ -19,7 +19,7 @@ int REEstProjectInfo::GetAllJobRecs(std::vector<TSLESTIMATEDATA*>& jobs) {
 int REEstProjectInfo::GetNoOfJobs() {
     TSLESTIMATEDATA rec;
     int count = 0;
-    for (int found = _GetAtOrAbove(kFirstJobId, &rec); found && rec.nId > kProjectRecordId;
+    for (int found = _GetAtOrAbove(m_iConstJobIDForFirstJob, &rec); found && rec.nId > m_iConstJobIDForProjInfo;
          found = _ReadNext(&rec))
         ++count;
     return count > 0 ? count : -1;
@@ -74,7 +74,7 @@ int REEstProjectInfo::LockJob(const long& id, std::string* lockedBy) {
 int REEstProjectInfo::SetActiveJob(const long& id, std::string* lockedBy) { return LockJob(id, lockedBy); }
 
 int REEstProjectInfo::LockProjectInfo(std::string* lockedBy) {
-    return _NoteLock(kProjectRecordId, lockedBy, GetProjectDetail(nullptr, 1));
+    return _NoteLock(m_iConstJobIDForProjInfo, lockedBy, GetProjectDetail(nullptr, 1));
 }
 
 // Records a lock just taken in the lock file, or names the user who holds the record.

@@ -22,12 +22,13 @@
 //
 // OFFSET SIZE FIELD
 //      0   20 szProjName   project name, letters and digits only, NUL-terminated
-//     20   61 sText20      identity text of the project; an update may not change it (case aside)
-//     81  805 appData      the application's
+//     20  260 sText20      identity text of the project (a path); an update may not change it
+//                          (case aside)
+//    280  606 appData      the application's
 struct PROJINFORMATION {
     char szProjName[20];
-    char sText20[61];
-    uint8_t appData[805];
+    char sText20[260];
+    uint8_t appData[606];
 };
 
 // One job's data. Beyond the name and the job item file, the bytes are the application's.
@@ -52,6 +53,7 @@ struct TSLESTIMATEDATA {
 static_assert(sizeof(PROJINFORMATION) == 886);
 static_assert(offsetof(PROJINFORMATION, szProjName) == 0);
 static_assert(offsetof(PROJINFORMATION, sText20) == 20);
+static_assert(offsetof(PROJINFORMATION, appData) == 280);
 static_assert(sizeof(JOBDETAIL) == 1120);
 static_assert(sizeof(TSLESTIMATEDATA) == 1124);
 static_assert(offsetof(TSLESTIMATEDATA, nId) == 0);
@@ -62,8 +64,12 @@ public:
     // User-name part of the identity when the constructor is given no user name.
     static constexpr char m_strConstSysUsrName[] = "$SysUsr$";
     // Id of the project record; jobs follow it.
-    static constexpr long kProjectRecordId = 1;
-    static constexpr long kFirstJobId = 2;
+    static constexpr int m_iConstJobIDForProjInfo = 1;
+    static constexpr int m_iConstJobIDForFirstJob = 2;
+    // What an application shows when it cannot open a new job's files.
+    static constexpr char m_strConstNewJobOpenError[] =
+        "Btrieve Database Engine error : New Job Cannot Be Opened.\nMake Sure That BTrieve Microkernel is "
+        "properly running.\nThen Try Again";
 
     // The user's identity is this computer's name, two backslashes and `userName`.
     explicit REEstProjectInfo(const std::string& userName = std::string(), int superUser = 0);
@@ -121,10 +127,16 @@ public:
 
     // Takes job `id`'s lock and notes it in the lock file; when another user holds it, 0 and
     // that user's name in `*lockedBy` (when given).
-    int LockJob(const long& id, std::string* lockedBy);
-    int SetActiveJob(const long& id, std::string* lockedBy);
+    int LockJob(const long& id, std::string* lockedBy = nullptr);
+    int SetActiveJob(const long& id, std::string* lockedBy = nullptr);
     // The same for the project record.
-    int LockProjectInfo(std::string* lockedBy);
+    int LockProjectInfo(std::string* lockedBy = nullptr);
+
+    // The user's identity (computer, two backslashes, user name), the project's lock file and
+    // the super-user flag given at construction; readable by callers like the base's state.
+    std::string m_strCurUser;
+    REProjectLock m_projectLock;
+    int32_t m_bSuperUser;
 
 private:
     static const RERecordFileSpec kSpec;
@@ -136,8 +148,4 @@ private:
     // Get Greater Than or Equal on `id` with the single no-wait lock; the record manager's status.
     int16_t _LockedProbe(long id);
     int _NoteLock(long id, std::string* lockedBy, int locked);
-
-    std::string m_strCurUser;
-    REProjectLock m_projectLock;
-    int32_t m_bSuperUser;
 };

@@ -79,6 +79,7 @@ struct OLD_ESTJOBFILERECORD_KEY {
 #pragma pack(pop)
 
 static_assert(sizeof(ESTJOBFILERECORD) == 606);
+static_assert(offsetof(ESTJOBFILERECORD, sCode1) == 0);
 static_assert(offsetof(ESTJOBFILERECORD, sCode2) == 5);
 static_assert(offsetof(ESTJOBFILERECORD, nPageNo) == 31);
 static_assert(offsetof(ESTJOBFILERECORD, nLineNo) == 35);
@@ -102,6 +103,7 @@ static_assert(offsetof(ESTJOBFILERECORD, reserved576) == 576);
 static_assert(offsetof(ESTJOBFILERECORD, nValue602) == 602);
 
 static_assert(sizeof(OLD_ESTJOBFILERECORD) == 516);
+static_assert(offsetof(OLD_ESTJOBFILERECORD, sCode1) == 0);
 static_assert(offsetof(OLD_ESTJOBFILERECORD, sCode2) == 4);
 static_assert(offsetof(OLD_ESTJOBFILERECORD, nPageNo) == 29);
 static_assert(offsetof(OLD_ESTJOBFILERECORD, nLineNo) == 33);
@@ -123,9 +125,11 @@ static_assert(offsetof(OLD_ESTJOBFILERECORD, sText199) == 185);
 static_assert(offsetof(OLD_ESTJOBFILERECORD, operations) == 186);
 
 static_assert(sizeof(ESTJOBFILERECORD_KEY) == 39);
+static_assert(offsetof(ESTJOBFILERECORD_KEY, sCode2) == 5);
 static_assert(offsetof(ESTJOBFILERECORD_KEY, nPageNo) == 31);
 static_assert(offsetof(ESTJOBFILERECORD_KEY, nLineNo) == 35);
 static_assert(sizeof(OLD_ESTJOBFILERECORD_KEY) == 37);
+static_assert(offsetof(OLD_ESTJOBFILERECORD_KEY, sCode2) == 4);
 static_assert(offsetof(OLD_ESTJOBFILERECORD_KEY, nPageNo) == 29);
 static_assert(offsetof(OLD_ESTJOBFILERECORD_KEY, nLineNo) == 33);
 
@@ -133,8 +137,13 @@ class TARSEL_API REJobFile : public RERecordFile<REJobFile, ESTJOBFILERECORD> {
 public:
     REJobFile();
 
-    int ResetJobRecList(std::list<ESTJOBFILERECORD*>& list) { return ResetRecList(list); }
-    int ResetJobRecArray(std::vector<ESTJOBFILERECORD*>& array) { return ResetRecArray(array); }
+    // 1 while the open file has the 516-byte layout (also before the first open); 1 while a key
+    // search runs, 0 after one found nothing. Readable by callers like the base's state.
+    using RERecordFile::m_isOldFormat;
+    using RERecordFile::m_searchActive;
+
+    static int ResetJobRecList(std::list<ESTJOBFILERECORD*>& list) { return ResetRecList(list); }
+    static int ResetJobRecArray(std::vector<ESTJOBFILERECORD*>& array) { return ResetRecArray(array); }
 
     // Key searches with filters: an empty code matches any code, a negative page or line any
     // number. The first search starts at the key built from the arguments (Get Greater or
@@ -151,6 +160,10 @@ public:
     int UpdateRecord(ESTJOBFILERECORD& keyRec, ESTJOBFILERECORD& newRec);
     int UpdateRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD& newRec);
 
+    // Field-by-field conversions between the 516-byte and the 606-byte layouts. 1.
+    static int _ConvertToNewRecordFormat(const OLD_ESTJOBFILERECORD* oldRec, ESTJOBFILERECORD* newRec);
+    static int _ConvertToOldRecordFormat(const ESTJOBFILERECORD* newRec, OLD_ESTJOBFILERECORD* oldRec);
+
 protected:
     int _FindDuplicate(const void* rec) override;
     void _BeginCopy(int srcIsOld) override;
@@ -163,8 +176,6 @@ private:
     int _SetSearchKey(const char* code1, const char* code2, int pageNo, int lineNo);
     int _GetMaxPageNo();
 
-    static int _ConvertToNewRecordFormat(const OLD_ESTJOBFILERECORD* oldRec, ESTJOBFILERECORD* newRec);
-    static int _ConvertToOldRecordFormat(const ESTJOBFILERECORD* newRec, OLD_ESTJOBFILERECORD* oldRec);
 
     static const RERecordFileSpec kSpec;
     int32_t m_appendPageOffset;  // added to the page numbers of appended records

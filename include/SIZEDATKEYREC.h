@@ -47,10 +47,14 @@ struct OLD_SIZEDATKEYREC {
 #pragma pack(pop)
 
 static_assert(sizeof(SIZEDATKEYREC) == 81);
+static_assert(offsetof(SIZEDATKEYREC, szSection) == 0);
 static_assert(offsetof(SIZEDATKEYREC, szShape) == 4);
 static_assert(offsetof(SIZEDATKEYREC, szCode9) == 9);
 static_assert(offsetof(SIZEDATKEYREC, szCode12) == 12);
 static_assert(offsetof(SIZEDATKEYREC, fDim1) == 23);
+static_assert(offsetof(SIZEDATKEYREC, fDim2) == 27);
+static_assert(offsetof(SIZEDATKEYREC, fDim3) == 31);
+static_assert(offsetof(SIZEDATKEYREC, fDim4) == 35);
 static_assert(offsetof(SIZEDATKEYREC, fDim5) == 39);
 static_assert(offsetof(SIZEDATKEYREC, nValue43) == 43);
 static_assert(offsetof(SIZEDATKEYREC, nValue47) == 47);
@@ -58,10 +62,13 @@ static_assert(offsetof(SIZEDATKEYREC, szDimText) == 51);
 static_assert(offsetof(SIZEDATKEYREC, nValue77) == 77);
 
 static_assert(sizeof(OLD_SIZEDATKEYREC) == 76);
+static_assert(offsetof(OLD_SIZEDATKEYREC, szSection) == 0);
 static_assert(offsetof(OLD_SIZEDATKEYREC, szShape) == 3);
 static_assert(offsetof(OLD_SIZEDATKEYREC, szCode9) == 7);
 static_assert(offsetof(OLD_SIZEDATKEYREC, szCode12) == 9);
 static_assert(offsetof(OLD_SIZEDATKEYREC, fDim1) == 19);
+static_assert(offsetof(OLD_SIZEDATKEYREC, fDim5) == 35);
+static_assert(offsetof(OLD_SIZEDATKEYREC, nValue43) == 39);
 static_assert(offsetof(OLD_SIZEDATKEYREC, nValue47) == 43);
 static_assert(offsetof(OLD_SIZEDATKEYREC, szDimText) == 47);
 static_assert(offsetof(OLD_SIZEDATKEYREC, nValue77) == 72);

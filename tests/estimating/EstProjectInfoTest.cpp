@@ -107,6 +107,18 @@ TEST_F(EstProjectInfoTest, ProjectRecordIsAddedOnceAndItsIdentityTextIsKept) {
     EXPECT_EQ(project.UpdProjectDetail(nullptr), 0);
 }
 
+TEST_F(EstProjectInfoTest, IdentityTextIsComparedOverItsWholePathLength) {
+    std::string text(120, 'p');
+    PROJINFORMATION info = Project("Bridge42", text.c_str());
+    ASSERT_EQ(project.AddProjectDetail(&info), 1);
+    text[110] = 'q';
+    PROJINFORMATION moved = Project("Bridge42", text.c_str());
+    EXPECT_EQ(project.UpdProjectDetail(&moved), 0);
+    text[110] = 'P';
+    PROJINFORMATION recased = Project("Bridge43", text.c_str());
+    EXPECT_EQ(project.UpdProjectDetail(&recased), 1);
+}
+
 TEST_F(EstProjectInfoTest, ProjectRecordIsRefusedOnceJobsExist) {
     // Without a project record the first job takes id 1; once it is gone a job remains.
     EXPECT_EQ(AddJob("first"), 1);
