@@ -7,6 +7,6 @@
 // file of that name) and writes at `path`, for each line of it (at most 254 characters a line,
 // its last character dropped): a line with a comma as "Key%02d=<line>" with a counter that
 // starts at 0 in each section, any other line as an empty line and "[<line>]", which starts a
-// new section. Returns 1; 0 when `path` is null, already has the extension "DOS", or cannot be
-// read.
+// new section. Always returns 1: failures to rename, read or write are not reported (a null
+// `path` or one that already has the extension "DOS" is left alone).
 TARSEL_API int ConvertMillPriceFileToIniFormat(const char* path);

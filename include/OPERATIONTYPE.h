@@ -53,3 +53,11 @@ TARSEL_API int gConvertOperationTypeToNewFormat(const OLD_OPERATIONTYPE* oldRec,
 // Current to old: the old entry is filled with blanks, each code is copied without its
 // terminator, the numbers are copied. Returns 1 (0 when either pointer is null).
 TARSEL_API int gConvertOperationTypeToOldFormat(const OPERATIONTYPE* newRec, OLD_OPERATIONTYPE* oldRec);
+
+// The same conversions on references.
+inline int gConvertOperationTypeToNewFormat(const OLD_OPERATIONTYPE& oldRec, OPERATIONTYPE& newRec) {
+    return gConvertOperationTypeToNewFormat(&oldRec, &newRec);
+}
+inline int gConvertOperationTypeToOldFormat(const OPERATIONTYPE& newRec, OLD_OPERATIONTYPE& oldRec) {
+    return gConvertOperationTypeToOldFormat(&newRec, &oldRec);
+}

@@ -22,9 +22,11 @@ public:
     // Stores the path and loads the list, adding to the records already held (call Reset
     // first to replace them). 1 when the file was read, 0 when it cannot be (message 1024).
     int Initialize(const char* path);
-    // Writes the binary form to `path`, or to the path of Initialize when null. 1; 0 when the
-    // file cannot be written, in which case the file already there is left as it was.
-    int Save(const char* path);
+    int Initialize(const std::string& path) { return Initialize(path.c_str()); }
+    // Writes the binary form to `path`, or to the path of Initialize when null (the default). 1;
+    // 0 when the file cannot be written, in which case the file already there is left as it was.
+    int Save(const char* path = nullptr);
+    int Save(const std::string& path) { return Save(path.c_str()); }
     // Frees every record and clears the stored path. 1.
     int Reset();
 

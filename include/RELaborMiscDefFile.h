@@ -22,6 +22,7 @@ public:
     // Stores the path; the file is read by GetRecords. 1; 0 when the path is null or does not
     // fit the 260-byte path buffer.
     int Initialize(const char* path);
+    int Initialize(const std::string& path) { return Initialize(path.c_str()); }
     // Replaces the content of `list` with the file's records. 1 when the file was read, 0
     // when it cannot be (message 1016).
     int GetRecords(std::list<LABORMISCDEFRECORD*>& list);

@@ -42,22 +42,24 @@ private:
 
 }  // namespace
 
+// Always 1: failures to rename, read or write only leave less done.
 int ConvertMillPriceFileToIniFormat(const char* path) {
     if (path == nullptr)
-        return 0;
+        return 1;
     const std::string target(path);
     const std::string companion = plainfile::CompanionPath(target, "DOS");
+    // Converting the companion itself would read and overwrite one file.
     if (plainfile::SamePath(target, companion))
-        return 0;
+        return 1;
     platform::RemoveFile(companion);
     platform::MoveFileTo(target, companion);
 
     std::string content;
     if (!plainfile::ReadWholeFile(companion, content))
-        return 0;
+        return 1;
     std::FILE* out = std::fopen(target.c_str(), "w");
     if (out == nullptr)
-        return 0;
+        return 1;
     LineReader reader(std::move(content));
     std::string line;
     int counter = 0;

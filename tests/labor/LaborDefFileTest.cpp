@@ -68,7 +68,7 @@ TYPED_TEST_SUITE(LaborDefFileTest, LaborDefClasses);
 TYPED_TEST(LaborDefFileTest, SaveWritesSignatureCountSizeAndRecordsByteForByte) {
     this->list.push_back(this->Make("Cutting", 3));
     this->list.push_back(this->Make("Drilling", -2));
-    ASSERT_EQ(1, this->file.Initialize(this->path.c_str()));
+    ASSERT_EQ(1, this->file.Initialize(this->path));
     ASSERT_EQ(1, this->file.SaveRecords(this->list));
 
     std::string body;

@@ -55,7 +55,7 @@ TEST(OperationTypeTest, NewToOldBlankPadsCodesWithoutTerminator) {
     EXPECT_EQ(Bytes(expected), Bytes(converted));
 
     OPERATIONTYPE back;
-    ASSERT_EQ(1, gConvertOperationTypeToNewFormat(&converted, &back));
+    ASSERT_EQ(1, gConvertOperationTypeToNewFormat(converted, back));  // the reference form
     EXPECT_EQ(Bytes(current), Bytes(back));
 }
 

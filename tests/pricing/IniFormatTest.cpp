@@ -60,12 +60,12 @@ TEST_F(IniFormatTest, OlderDosFileIsReplacedAndBadPathsChangeNothing) {
     WriteBytes(dosPath, "older");
     EXPECT_EQ("\n[S]\nKey00=1,2\n", Convert("S\n1,2\n"));
 
-    EXPECT_EQ(0, ConvertMillPriceFileToIniFormat(nullptr));
-    EXPECT_EQ(0, ConvertMillPriceFileToIniFormat(dosPath.c_str()));
+    EXPECT_EQ(1, ConvertMillPriceFileToIniFormat(nullptr));
+    EXPECT_EQ(1, ConvertMillPriceFileToIniFormat(dosPath.c_str()));
     EXPECT_EQ("S\n1,2\n", ReadBytes(dosPath));
 
     const std::string missing = dir.file("NONE.TXT");
-    EXPECT_EQ(0, ConvertMillPriceFileToIniFormat(missing.c_str()));
+    EXPECT_EQ(1, ConvertMillPriceFileToIniFormat(missing.c_str()));
     EXPECT_FALSE(std::filesystem::exists(missing));
 }
 

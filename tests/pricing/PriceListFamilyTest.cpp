@@ -66,8 +66,8 @@ TYPED_TEST(PriceListFamilyTest, EmptyListsSaveAsZeroCountsBehindTheHeader) {
     const std::string path = this->dir.file("empty.txt");
     WriteBytes(path, "no sections here\n");
     typename TypeParam::File file;
-    ASSERT_EQ(1, file.Initialize(path.c_str()));
-    ASSERT_EQ(1, file.Save(nullptr));
+    ASSERT_EQ(1, file.Initialize(path));  // path as a string, saved back to it by default
+    ASSERT_EQ(1, file.Save());
 
     std::string expected = PriceHeader(TypeParam::kIdent, path);
     for (std::size_t i = 0; i < TypeParam::RecordSizes().size(); ++i)
