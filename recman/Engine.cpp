@@ -8,8 +8,6 @@
 #include <atomic>
 #include <cstring>
 
-#include <pthread.h>
-
 namespace recman {
 
 namespace {
@@ -57,7 +55,7 @@ Engine& Engine::instance()
     Engine* e = g_engine.load(std::memory_order_acquire);
     if (e)
         return *e;
-    std::call_once(g_atforkOnce, [] { pthread_atfork(nullptr, nullptr, &Engine::afterForkInChild); });
+    std::call_once(g_atforkOnce, [] { platform::callInChildAfterFork(&Engine::afterForkInChild); });
     Engine* fresh = new Engine();
     if (!g_engine.compare_exchange_strong(e, fresh)) {
         delete fresh;

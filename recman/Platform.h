@@ -40,4 +40,7 @@ std::string siblingPath(const std::string& path, const std::string& name);
 // A random 64-bit value, different in every process.
 uint64_t randomToken();
 
+// Registers `handler` to run in the child after every fork (where processes fork at all).
+void callInChildAfterFork(void (*handler)());
+
 }  // namespace recman::platform

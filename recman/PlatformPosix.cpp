@@ -1,3 +1,5 @@
+#if !defined(_WIN32)
+
 #include "recman/Platform.h"
 
 #include <cerrno>
@@ -6,6 +8,7 @@
 #include <cstring>
 #include <random>
 
+#include <pthread.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -82,4 +85,8 @@ uint64_t randomToken()
     return (a ^ (t * 0x9E3779B97F4A7C15ull) ^ uint64_t(::getpid())) | 1;
 }
 
+void callInChildAfterFork(void (*handler)()) { pthread_atfork(nullptr, nullptr, handler); }
+
 }  // namespace recman::platform
+
+#endif
