@@ -3,10 +3,8 @@
 #include "recman/Platform.h"
 
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <random>
 
 #include <pthread.h>
 #include <signal.h>
@@ -70,20 +68,6 @@ PathKind inspectPath(const std::string& path, FileIdentity& identity)
 
 bool canRead(const std::string& path) { return ::access(path.c_str(), R_OK) == 0; }
 bool canWrite(const std::string& path) { return ::access(path.c_str(), W_OK) == 0; }
-
-std::string siblingPath(const std::string& path, const std::string& name)
-{
-    const size_t slash = path.find_last_of('/');
-    return (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + name;
-}
-
-uint64_t randomToken()
-{
-    std::random_device rd;
-    const uint64_t a = (uint64_t(rd()) << 32) ^ rd();
-    const uint64_t t = uint64_t(std::chrono::steady_clock::now().time_since_epoch().count());
-    return (a ^ (t * 0x9E3779B97F4A7C15ull) ^ uint64_t(::getpid())) | 1;
-}
 
 void callInChildAfterFork(void (*handler)()) { pthread_atfork(nullptr, nullptr, handler); }
 

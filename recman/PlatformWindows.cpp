@@ -2,8 +2,6 @@
 
 #include "recman/Platform.h"
 
-#include <chrono>
-#include <random>
 
 #ifndef NOMINMAX
 #define NOMINMAX
@@ -89,20 +87,6 @@ PathKind inspectPath(const std::string& path, FileIdentity& identity)
 
 bool canRead(const std::string& path) { return ::_access(path.c_str(), 4) == 0; }
 bool canWrite(const std::string& path) { return ::_access(path.c_str(), 2) == 0; }
-
-std::string siblingPath(const std::string& path, const std::string& name)
-{
-    const size_t slash = path.find_last_of("/\\:");
-    return (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + name;
-}
-
-uint64_t randomToken()
-{
-    std::random_device rd;
-    const uint64_t a = (uint64_t(rd()) << 32) ^ rd();
-    const uint64_t t = uint64_t(std::chrono::steady_clock::now().time_since_epoch().count());
-    return (a ^ (t * 0x9E3779B97F4A7C15ull) ^ uint64_t(::GetCurrentProcessId())) | 1;
-}
 
 // Windows processes do not fork: nothing to register.
 void callInChildAfterFork(void (*)()) {}
