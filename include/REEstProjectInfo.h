@@ -104,7 +104,7 @@ public:
 
     // Reads the project record into `info` (unless null). With `lock` it only takes the record's
     // lock instead: 0 when another user holds it.
-    int GetProjectDetail(PROJINFORMATION* info, const int& lock);
+    int GetProjectDetail(PROJINFORMATION* info, const int& lock = 0);
     // Adds the project record to a project without one and without jobs, if its name is valid.
     int AddProjectDetail(PROJINFORMATION* info);
     // Rewrites the project record (its identity text must stay) and notifies the other users.
@@ -119,7 +119,7 @@ public:
     int AddJob(long& id, const JOBDETAIL& job);
     // Reads job `id` into `job` (unless null). With `lock` it only probes the job's lock
     // instead: 0 only when another user holds it.
-    int GetJobDetail(const long& id, JOBDETAIL* job, const int& lock);
+    int GetJobDetail(const long& id, JOBDETAIL* job, const int& lock = 0);
     // Rewrites job `id` and notifies the other users.
     int UpdJobDetail(const long& id, const JOBDETAIL& job);
     // Deletes job `id`, or the next job above it when `id` does not exist.

@@ -57,13 +57,13 @@ public:
     int GetAllRecords(std::vector<PROJECTLOCKINFO*>& users);
 
     // Finds the record of `userName` (letter case does not matter); a null `rec` only tests.
-    int FindUser(const char* userName, PROJECTLOCKINFO* rec);
+    int FindUser(const char* userName, PROJECTLOCKINFO* rec = nullptr);
     // Adds a record for the user; 0 when the name (in any case) is already logged in.
-    int LogIn(const char* userName, int superUser);
+    int LogIn(const char* userName, int superUser = 0);
     // Removes the user's record; 0 when the user is not logged in.
     int LogOut(const char* userName);
     // 1 when a user with nSuperUser exactly 1 is logged in; that record goes to `rec` unless null.
-    int IsSuperUserLoggedIn(PROJECTLOCKINFO* rec);
+    int IsSuperUserLoggedIn(PROJECTLOCKINFO* rec = nullptr);
     // Stores the job the user holds locked (when `jobId` is given) and, when *clearNotice is
     // non-zero, clears the user's change notice. REQUIRES: `clearNotice` is not null.
     int UpdateLockStatus(const char* userName, const int* jobId, const int* clearNotice);
