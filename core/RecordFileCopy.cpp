@@ -60,8 +60,12 @@ int RERecordFileEngine::_CopyFileFrom(RERecordFileEngine* src) {
 }
 
 int RERecordFileEngine::_CopyRecords(REBtrieveBase& src, int srcIsOld, int maxCount) {
-    // The source transfers its own data-buffer length, which the caller may have set to more
-    // than either layout; the buffer takes whichever is larger.
+    // Each read transfers one record of the source's layout: a source whose data-buffer length
+    // is shorter (a freshly opened REBtrieveBase has 0) is given that length. A caller may have
+    // set more than either layout; the buffer takes whichever is larger.
+    const int srcRecordSize = static_cast<int>(srcIsOld && m_spec->HasOldLayout() ? m_spec->oldSize : m_spec->newSize);
+    if (src.m_dataBufLen < srcRecordSize)
+        src.SetDataBufLen(srcRecordSize);
     const size_t recordSize = std::max(m_spec->newSize, m_spec->oldSize);
     std::vector<uint8_t> read(std::max(recordSize, static_cast<size_t>(std::max(src.m_dataBufLen, 0))));
     std::vector<uint8_t> converted(recordSize);

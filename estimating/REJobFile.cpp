@@ -106,6 +106,8 @@ int REJobFile::_ConvertToOldRecordFormat(const ESTJOBFILERECORD* n, OLD_ESTJOBFI
 
 int REJobFile::_CreateKey(const char* code1, const char* code2, int pageNo, int lineNo,
                           OLD_ESTJOBFILERECORD_KEY* key) {
+    if (key == nullptr)
+        return 0;
     std::memset(key, kOldTextFill, sizeof *key);
     PutCode(key->sCode1, sizeof key->sCode1, code1);
     PutCode(key->sCode2, sizeof key->sCode2, code2);
@@ -132,13 +134,18 @@ int REJobFile::_SetSearchKey(const char* code1, const char* code2, int pageNo, i
     return 1;
 }
 
-// Get Greater or Equal with the search key already in the key buffer.
-int REJobFile::_GetFirstMatchGE(OLD_ESTJOBFILERECORD_KEY*, ESTJOBFILERECORD* rec) {
+// Get Greater or Equal. The searches pass no key: theirs is already in the key buffer. An
+// old-form key only fits a 516-byte file, so only there does a given key replace the buffer.
+int REJobFile::_GetFirstMatchGE(OLD_ESTJOBFILERECORD_KEY* key, ESTJOBFILERECORD* rec) {
+    if (key != nullptr && m_isOldFormat)
+        SetKeyBuffer(key, sizeof *key);
     return _CallBtrieve(kOpGetGreaterOrEqual, rec);
 }
 
 int REJobFile::_CheckRecord(const char* code1, const char* code2, int pageNo, int lineNo,
                             const ESTJOBFILERECORD* rec) {
+    if (rec == nullptr)
+        return 0;
     return CodeMatches(code1, rec->sCode1, sizeof rec->sCode1) && CodeMatches(code2, rec->sCode2, sizeof rec->sCode2) &&
            (pageNo < 0 || rec->nPageNo == pageNo) && (lineNo < 0 || rec->nLineNo == lineNo);
 }

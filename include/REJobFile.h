@@ -164,17 +164,23 @@ public:
     static int _ConvertToNewRecordFormat(const OLD_ESTJOBFILERECORD* oldRec, ESTJOBFILERECORD* newRec);
     static int _ConvertToOldRecordFormat(const ESTJOBFILERECORD* newRec, OLD_ESTJOBFILERECORD* oldRec);
 
+    // Get Greater or Equal on the key buffer as it stands; in a 516-byte file a given old-form
+    // key is put into the key buffer first.
+    int _GetFirstMatchGE(OLD_ESTJOBFILERECORD_KEY* key, ESTJOBFILERECORD* rec);
+    // Builds the old-form (blank-filled) search key; 1.
+    int _CreateKey(const char* code1, const char* code2, int pageNo, int lineNo, OLD_ESTJOBFILERECORD_KEY* key);
+    // The search filter: 1 when the record passes every non-wildcard argument.
+    int _CheckRecord(const char* code1, const char* code2, int pageNo, int lineNo, const ESTJOBFILERECORD* rec);
+    // The greatest page number in the file, 0 when it is empty.
+    int _GetMaxPageNo();
+
 protected:
     int _FindDuplicate(const void* rec) override;
     void _BeginCopy(int srcIsOld) override;
     void _AdjustCopiedRecord(void* rec, int isOld) override;
 
 private:
-    int _GetFirstMatchGE(OLD_ESTJOBFILERECORD_KEY* key, ESTJOBFILERECORD* rec);
-    int _CreateKey(const char* code1, const char* code2, int pageNo, int lineNo, OLD_ESTJOBFILERECORD_KEY* key);
-    int _CheckRecord(const char* code1, const char* code2, int pageNo, int lineNo, const ESTJOBFILERECORD* rec);
     int _SetSearchKey(const char* code1, const char* code2, int pageNo, int lineNo);
-    int _GetMaxPageNo();
 
 
     static const RERecordFileSpec kSpec;

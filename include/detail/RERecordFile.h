@@ -39,6 +39,10 @@ public:
     // Appends the records of the file at `path`, converting between layouts; at most 20 of them
     // unless `all` is non-zero.
     int AppendFile(const char* path, int all);
+    // The path operations above with the path as a string.
+    int Initialize(const std::string& path) { return Initialize(path.c_str()); }
+    int CreateNewFile(const std::string& path) { return CreateNewFile(path.c_str()); }
+    int AppendFile(const std::string& path, int all) { return AppendFile(path.c_str(), all); }
     // The path of the file.
     int GetBtrieveFileName(std::string& name) const;
     // 1 while the open file has the old record layout.

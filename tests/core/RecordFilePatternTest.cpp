@@ -104,7 +104,7 @@ struct SmallCodeFileTraits {
 
     static Record Sample(int key, int content = 0) {
         Record rec{};
-        std::snprintf(rec.szCode, sizeof rec.szCode, "%03d", key % 1000);
+        std::snprintf(rec.szCode, sizeof rec.szCode, "%03u", static_cast<unsigned>(key) % 1000u);
         std::snprintf(rec.payload, sizeof rec.payload, "payload %d", content);
         return rec;
     }
@@ -237,6 +237,14 @@ TYPED_TEST(RecordFilePattern, CopyRecordsAppendsAtMostTheCountFromAnOpenSource) 
     EXPECT_EQ(5u, this->all(target).size());
     EXPECT_EQ(1, target._CopyRecords(src, 0, 0));
     EXPECT_EQ(5u, this->all(target).size());
+
+    // A source opened without a data-buffer length still reads whole records.
+    REBtrieveBase bare;
+    ASSERT_EQ(1, bare.Open(source.c_str()));
+    typename TypeParam::File fresh;
+    this->createAndOpen(fresh, this->path("fresh.dat"));
+    EXPECT_EQ(1, fresh._CopyRecords(bare, 0, 3));
+    EXPECT_EQ(3u, this->all(fresh).size());
 }
 
 TYPED_TEST(RecordFilePattern, CopyFileReplacesTheTargetsRecords) {

@@ -123,6 +123,16 @@ TEST_F(JobFileOldLayoutTest, SearchesUseTheOldKeyForm) {
     ASSERT_EQ(1, file.SearchFirstRecord("B", "COL", 4, 2, &rec));
     ASSERT_EQ(1, file.SearchFirstMatchLE("B", "COL", 9, 9, &rec));
     EXPECT_EQ(2, int32_t{rec.nLineNo});
+
+    // The search steps on their own: an old-form key reaches its record, the filter judges it.
+    OLD_ESTJOBFILERECORD_KEY key;
+    ASSERT_EQ(1, file._CreateKey("A", "BEAM", 2, 0, &key));
+    ASSERT_EQ(1, file.GetFirstRecord(&rec));
+    ASSERT_EQ(1, file._GetFirstMatchGE(&key, &rec));
+    EXPECT_EQ(2, int32_t{rec.nPageNo});
+    EXPECT_EQ(1, file._CheckRecord("A", "", 2, -1, &rec));
+    EXPECT_EQ(0, file._CheckRecord("A", "BEAM", 2, 0, &rec));
+    EXPECT_EQ(4, file._GetMaxPageNo());
 }
 
 TEST_F(JobFileOldLayoutTest, WritesStayInTheOldLayout) {
