@@ -4,6 +4,7 @@
 #include "core/Platform.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -25,7 +26,18 @@ void CopyBounded(char* field, size_t size, const char* text) {
     std::memset(field + length, 0, size - length);
 }
 
+std::atomic<REBtrieveCall> g_btrieveCallSlot{&BTRCALL};
+
+int16_t g_btrieveCall(uint16_t op, void* posBlock, void* data, uint32_t* length, void* key, uint8_t keyLength,
+                      int8_t keyNumber) {
+    return g_btrieveCallSlot.load(std::memory_order_relaxed)(op, posBlock, data, length, key, keyLength, keyNumber);
+}
+
 }  // namespace
+
+REBtrieveCall RESetBtrieveCall(REBtrieveCall call) {
+    return g_btrieveCallSlot.exchange(call != nullptr ? call : &BTRCALL);
+}
 
 REBtrieveBase::REBtrieveBase()
     : m_keyLength(0), m_keyNumber(0), m_dataBufLen(0), m_dataBufLenRet(0), m_isOpen(0) {
@@ -104,13 +116,13 @@ int REBtrieveBase::Open(const char* path) {
 
 int16_t REBtrieveBase::Btrieve(uint16_t op, void* dataBuffer) {
     m_dataBufLenRet = static_cast<uint32_t>(std::max(m_dataBufLen, 0));
-    return BTRCALL(op, m_posBlock, dataBuffer, &m_dataBufLenRet, m_keyBuffer, static_cast<uint8_t>(m_keyLength),
+    return g_btrieveCall(op, m_posBlock, dataBuffer, &m_dataBufLenRet, m_keyBuffer, static_cast<uint8_t>(m_keyLength),
                    static_cast<int8_t>(m_keyNumber));
 }
 
 int16_t REBtrieveBase::Btrieve(uint16_t op, void* /*posBlock*/, void* dataBuffer, uint32_t* dataLength,
                                void* keyBuffer, uint8_t keyLength, int8_t keyNumber) {
-    return BTRCALL(op, m_posBlock, dataBuffer, dataLength, keyBuffer, keyLength, keyNumber);
+    return g_btrieveCall(op, m_posBlock, dataBuffer, dataLength, keyBuffer, keyLength, keyNumber);
 }
 
 void REBtrieveBase::SetKeyBuffer(const void* key, const int& length) {

@@ -81,25 +81,28 @@ int RERecordFileEngine::_FileOpen(const char* path) {
     return 1;
 }
 
+int16_t RERecordFileEngine::_CallStatus(unsigned op, void* rec) {
+    if (rec == nullptr)
+        return kStatusInvalidOperation;
+    if (!m_isOldFormat || m_spec->toNew == nullptr)
+        return Btrieve(static_cast<uint16_t>(op), rec);
+    const int16_t status = Btrieve(static_cast<uint16_t>(op), _Scratch());
+    if (status == kStatusSuccess)
+        m_spec->toNew(_Scratch(), rec);
+    return status;
+}
+
 int RERecordFileEngine::_CallBtrieve(unsigned op, void* rec) {
     if (rec == nullptr)
         return 0;
-    int16_t status;
-    if (m_isOldFormat && m_spec->toNew != nullptr) {
-        status = Btrieve(static_cast<uint16_t>(op), _Scratch());
-        if (status == kStatusSuccess)
-            return m_spec->toNew(_Scratch(), rec);
-    } else {
-        status = Btrieve(static_cast<uint16_t>(op), rec);
-        if (status == kStatusSuccess)
-            return 1;
-    }
-    // Lock biases come in hundreds on top of the operation.
-    constexpr unsigned kLockBiasUnit = 100;
-    const bool getEqual = op % kLockBiasUnit == kOpGetEqual;
-    if (status == kStatusEndOfFile || (getEqual && !m_spec->reportGetEqualMiss))
-        return 0;
-    ShowErrorMessage(m_spec->unknownErrorCode, status);
+    return _Judge(op, _CallStatus(op, rec));
+}
+
+int RERecordFileEngine::_Judge(unsigned op, int16_t status) const {
+    if (status == kStatusSuccess)
+        return 1;
+    if (REStatusIsReported(op, status, m_spec->reportGetEqualMiss))
+        ShowErrorMessage(m_spec->unknownErrorCode, status);
     return 0;
 }
 
@@ -135,7 +138,7 @@ int RERecordFileEngine::_Write(uint16_t op, const void* rec) {
         m_spec->toOld(rec, _Scratch());
         buffer = _Scratch();
     }
-    return Btrieve(op, buffer) == kStatusSuccess ? 1 : 0;
+    return _Judge(op, Btrieve(op, buffer));
 }
 
 int RERecordFileEngine::_AddRecord(const void* rec) {
@@ -153,9 +156,7 @@ int RERecordFileEngine::_AddNewRecord(const void* rec) { return _Write(kOpInsert
 
 int RERecordFileEngine::_UpdateCurrent(const void* rec) { return _Write(kOpUpdate, rec); }
 
-int RERecordFileEngine::_DeleteCurrent() {
-    return Btrieve(kOpDelete, _Scratch()) == kStatusSuccess ? 1 : 0;
-}
+int RERecordFileEngine::_DeleteCurrent() { return _Judge(kOpDelete, Btrieve(kOpDelete, _Scratch())); }
 
 int RERecordFileEngine::DeleteAllRecords() {
     std::vector<uint8_t> rec(m_spec->newSize);
@@ -185,4 +186,4 @@ int RERecordFileEngine::GetBtrieveFileName(std::string& name) const {
 
 int RERecordFileEngine::_FindDuplicate(const void*) { return 0; }
 void RERecordFileEngine::_BeginCopy(int) {}
-void RERecordFileEngine::_AdjustCopiedRecord(void*, int) {}
+bool RERecordFileEngine::_AdjustCopiedRecord(void*) { return false; }

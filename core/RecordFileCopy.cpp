@@ -76,21 +76,36 @@ int RERecordFileEngine::_CopyRecords(REBtrieveBase& src, int srcIsOld, int maxCo
     int copied = 0;
     int16_t status = kStatusSuccess;
     while (status == kStatusSuccess && copied < maxCount) {
-        _AdjustCopiedRecord(read.data(), srcIsOld);
-        void* out = read.data();
-        if (srcIsOld && !m_isOldFormat && m_spec->toNew != nullptr) {
-            m_spec->toNew(read.data(), converted.data());
-            out = converted.data();
-        } else if (!srcIsOld && m_isOldFormat && m_spec->toOld != nullptr) {
-            m_spec->toOld(read.data(), converted.data());
-            out = converted.data();
-        }
-        Btrieve(kOpInsert, out);  // a refused record (duplicate key) is skipped
+        Btrieve(kOpInsert, _CopiedRecord(read.data(), srcIsOld, converted.data()));  // a refused record is skipped
         ++copied;
         status = src.Btrieve(kOpStepNext, read.data());
     }
     RETrace("%s::_CopyRecords: No of Records copied = %d\n", m_spec->className, copied);
     return 1;
+}
+
+// Brings one record read from a source (old layout when `srcIsOld`) into this file's layout,
+// letting the class adjust it in the current layout on the way. Records of the target's layout
+// pass as read unless the class changes them.
+void* RERecordFileEngine::_CopiedRecord(void* read, int srcIsOld, void* converted) {
+    const bool convertible = m_spec->toNew != nullptr && m_spec->toOld != nullptr;
+    if (!srcIsOld) {
+        _AdjustCopiedRecord(read);
+        if (!m_isOldFormat || m_spec->toOld == nullptr)
+            return read;
+        m_spec->toOld(read, converted);
+        return converted;
+    }
+    if (m_spec->toNew == nullptr)
+        return read;
+    m_spec->toNew(read, converted);
+    const bool adjusted = _AdjustCopiedRecord(converted);
+    if (!m_isOldFormat)
+        return converted;
+    if (adjusted && convertible) {
+        m_spec->toOld(converted, read);
+    }
+    return read;
 }
 
 int RERecordFileEngine::AppendFile(const char* path, int all) {

@@ -7,11 +7,13 @@
 #pragma once
 
 #include "REBtrieveBase.h"
+#include "core/RecordFieldTable.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <span>
+#include <type_traits>
 #include <vector>
 
 // One key segment of a file specification, as passed to Create.
@@ -44,6 +46,13 @@ enum REKeyType : uint8_t {
     kKeyTypeAutoIncrement = 15,
 };
 
+// File flags of a Create block. 0x0040 is stored and reported by Stat and changes nothing here;
+// the job item, settings, multiplier and work files are created with it.
+enum REFileFlag : uint16_t {
+    kFileFlagVariableLength = 0x0001,
+    kFileFlagsJobItems = 0x0040,
+};
+
 // The null-value byte every file of the library writes into its segments.
 constexpr uint8_t kKeyNullByte = 20;
 constexpr uint16_t kFilePageSize = 4096;
@@ -64,6 +73,30 @@ constexpr uint16_t REKeyCount(std::span<const REKeySegment> segments) {
     for (const REKeySegment& s : segments)
         keys += (s.flags & kKeySegmented) ? 0 : 1;
     return keys;
+}
+
+// A key segment over a whole field of `Record`, named by field:
+//     RE_KEY(sCode1, kKeyInnerSegment, kKeyTypeZString)
+#define RE_KEY(field, flags, type) \
+    REKeySegment{static_cast<uint16_t>(offsetof(Record, field) + 1), sizeof(Record::field), (flags), (type), kKeyNullByte}
+// A key segment over the first `length` bytes from a field on.
+#define RE_KEY_PART(field, length, flags, type) \
+    REKeySegment{static_cast<uint16_t>(offsetof(Record, field) + 1), (length), (flags), (type), kKeyNullByte}
+
+// True when every segment lies inside a record of `recordSize` bytes and has a length its type
+// allows: checked at compile time by the traits.
+constexpr bool REKeysFit(std::span<const REKeySegment> segments, size_t recordSize) {
+    for (const REKeySegment& s : segments) {
+        if (s.position < 1 || s.length < 1 || size_t{s.position} - 1 + s.length > recordSize)
+            return false;
+        const bool widthType = s.type == kKeyTypeInteger || s.type == kKeyTypeUnsigned ||
+                               s.type == kKeyTypeAutoIncrement || s.type == kKeyTypeBFloat;
+        if (widthType && s.length != 1 && s.length != 2 && s.length != 4 && s.length != 8)
+            return false;
+        if (s.type == kKeyTypeZString && s.length < 2)
+            return false;
+    }
+    return segments.empty() || (segments.back().flags & kKeySegmented) == 0;
 }
 
 // The Create block of a specification (little-endian):
@@ -139,6 +172,8 @@ struct RERecordFileSpec {
 
     REConvertFunction toNew = nullptr;
     REConvertFunction toOld = nullptr;
+    // The field table of the record (both layouts where there are two); null: none given.
+    const REFieldTable* fields = nullptr;
 
     RECreateSpec create;
     // Create through the object itself with the path and its NUL, instead of a temporary object
@@ -166,3 +201,118 @@ struct RERecordFileSpec {
     uint32_t StatLength() const { return statLength != 0 ? statLength : newSize; }
     bool HasOldLayout() const { return oldSize != 0 && oldSize != StatLength(); }
 };
+
+// The statuses that a record-file class passes over without a message, per operation (lock
+// biases aside): the end of a scan, the miss of an exact read, and every write, whose 1/0 result
+// goes to its caller. Every other failure shows the class's unknown-error message.
+struct RESilentStatus {
+    static constexpr int kAnyOperation = -1;
+    static constexpr int kAnyStatus = -1;
+    int op;
+    int status;
+};
+constexpr RESilentStatus kSilentStatuses[] = {
+    {RESilentStatus::kAnyOperation, REBtrieveBase::kStatusEndOfFile},
+    {REBtrieveBase::kOpGetEqual, RESilentStatus::kAnyStatus},  // unless the class reports a miss
+    {REBtrieveBase::kOpInsert, RESilentStatus::kAnyStatus},
+    {REBtrieveBase::kOpUpdate, RESilentStatus::kAnyStatus},
+    {REBtrieveBase::kOpDelete, RESilentStatus::kAnyStatus},
+};
+
+constexpr bool REStatusIsReported(unsigned op, int16_t status, bool reportGetEqualMiss) {
+    constexpr unsigned kLockBiasUnit = 100;
+    const int base = static_cast<int>(op % kLockBiasUnit);
+    for (const RESilentStatus& silent : kSilentStatuses) {
+        const bool opMatches = silent.op == RESilentStatus::kAnyOperation || silent.op == base;
+        const bool statusMatches = silent.status == RESilentStatus::kAnyStatus || silent.status == status;
+        const bool exempt = reportGetEqualMiss && silent.op == REBtrieveBase::kOpGetEqual;
+        if (opMatches && statusMatches && !exempt)
+            return false;
+    }
+    return true;
+}
+
+// A class's messages: wrong record length at open, record-manager failure, Create failure.
+struct REMessageCodes {
+    unsigned corrupt = 0;
+    unsigned unknownError = 0;
+    unsigned create = 0;
+};
+
+namespace respec {
+
+template <class T, class = void>
+struct HasOld : std::false_type {};
+template <class T>
+struct HasOld<T, std::void_t<typename T::OldRecord>> : std::bool_constant<!std::is_void_v<typename T::OldRecord>> {};
+
+template <class T, class = void>
+struct HasCustomize : std::false_type {};
+template <class T>
+struct HasCustomize<T, std::void_t<decltype(T::Customize)>> : std::true_type {};
+
+template <class T, class = void>
+struct HasFileFlags : std::false_type {};
+template <class T>
+struct HasFileFlags<T, std::void_t<decltype(T::kFileFlags)>> : std::true_type {};
+
+template <class T, class = void>
+struct HasKeys : std::false_type {};
+template <class T>
+struct HasKeys<T, std::void_t<decltype(T::kKeys)>> : std::true_type {};
+
+}  // namespace respec
+
+// The spec of a record-file class, derived from its traits at compile time:
+//
+//     struct Traits {
+//         using Record = NEWREC;           // the layout callers see
+//         using OldRecord = OLD_NEWREC;    // the earlier layout, or void
+//         static constexpr const char* kClassName = "REXxxFile";
+//         static constexpr REMessageCodes kMessages = {corrupt, unknownError, create};
+//         static constexpr REKeySegment kKeys[] = {RE_KEY(...), ...};       // optional
+//         static constexpr uint16_t kFileFlags = 0;                         // optional
+//         static constexpr REField kFields[] = {...};                       // the field table
+//         static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), sizeof(OldRecord)};
+//         static constexpr void Customize(RERecordFileSpec& spec) {...}      // optional switches
+//     };
+//
+// Record lengths come from the types, converters from the field table, and the keys and fields
+// are checked against the record. `File` is the class: its layout must be the traits' one.
+template <class Traits, class File>
+constexpr RERecordFileSpec REMakeSpec() {
+    using Record = typename Traits::Record;
+    static_assert(std::is_same_v<Record, typename File::Record>, "the traits describe another record");
+    constexpr bool kHasOld = respec::HasOld<Traits>::value;
+    static_assert(kHasOld == !std::is_void_v<typename File::OldRecord>, "the class and its traits differ on layouts");
+
+    RERecordFileSpec spec{};
+    spec.className = Traits::kClassName;
+    spec.newSize = sizeof(Record);
+    spec.corruptCode = Traits::kMessages.corrupt;
+    spec.unknownErrorCode = Traits::kMessages.unknownError;
+    spec.createCode = Traits::kMessages.create;
+    spec.create.recordLength = sizeof(Record);
+    if constexpr (respec::HasFileFlags<Traits>::value)
+        spec.create.fileFlags = Traits::kFileFlags;
+    if constexpr (respec::HasKeys<Traits>::value) {
+        static_assert(REKeysFit(Traits::kKeys, sizeof(Record)), "a key segment lies outside the record");
+        spec.create.segments = Traits::kKeys;
+    }
+    constexpr const REFieldTable& table = Traits::kFieldTable;
+    static_assert(table.newSize == sizeof(Record), "the field table describes another record");
+    spec.fields = &table;
+    if constexpr (kHasOld) {
+        using OldRecord = typename Traits::OldRecord;
+        static_assert(table.oldSize == sizeof(OldRecord), "the field table describes another old record");
+        static_assert(REFieldsFit(table.fields, sizeof(Record), sizeof(OldRecord)), "a field lies outside a record");
+        spec.oldSize = sizeof(OldRecord);
+        spec.toNew = &RETableConverter<Traits::kFieldTable>::ToNew;
+        spec.toOld = &RETableConverter<Traits::kFieldTable>::ToOld;
+    } else {
+        static_assert(REFieldsFit(table.fields, sizeof(Record), 0), "a field lies outside the record");
+    }
+    if constexpr (respec::HasCustomize<Traits>::value)
+        Traits::Customize(spec);
+    return spec;
+}

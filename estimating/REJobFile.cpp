@@ -2,8 +2,10 @@
 // conversions, and its key searches with wildcard filters and page renumbering on append.
 #include "REJobFile.h"
 
+#include "catalogue/SizeKeyFields.h"
 #include "core/RecordFields.h"
 #include "core/RecordFileSpec.h"
+#include "labor/OperationTypeFields.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,14 +13,48 @@
 
 namespace {
 
-// Key 0: code 1, code 2, page number, line number; no duplicates.
-constexpr REKeySegment kJobKey[] = {
-    {1, 5, kKeyInnerSegment, kKeyTypeZString, kKeyNullByte},
-    {6, 26, kKeyInnerSegment, kKeyTypeZString, kKeyNullByte},
-    {32, 4, kKeyInnerSegment, kKeyTypeUnsigned, kKeyNullByte},
-    {36, 4, kKeyLastSegment, kKeyTypeUnsigned, kKeyNullByte},
+struct JobFileTraits {
+    using Record = ESTJOBFILERECORD;
+    using OldRecord = OLD_ESTJOBFILERECORD;
+    static constexpr const char* kClassName = "REJobFile";
+    static constexpr REMessageCodes kMessages = {.corrupt = 1211, .unknownError = 1104, .create = 1102};
+    // Key 0: code 1, code 2, page number, line number; no duplicates.
+    static constexpr REKeySegment kKeys[] = {
+        RE_KEY(sCode1, kKeyInnerSegment, kKeyTypeZString),
+        RE_KEY(sCode2, kKeyInnerSegment, kKeyTypeZString),
+        RE_KEY(nPageNo, kKeyInnerSegment, kKeyTypeUnsigned),
+        RE_KEY(nLineNo, kKeyLastSegment, kKeyTypeUnsigned),
+    };
+    static constexpr uint16_t kFileFlags = kFileFlagsJobItems;
+    static constexpr REField kFields[] = {
+        RE_TEXT(sCode1),
+        RE_TEXT(sCode2),
+        RE_NUMBER(nPageNo, kInteger),
+        RE_NUMBER(nLineNo, kInteger),
+        RE_NUMBER(nValue39, kInteger),
+        RE_RECORD(sizeKey, SizeKeyFields::kFieldTable),
+        RE_TEXT(sText124),
+        RE_TEXT(sText135),
+        RE_NUMBER(nShort142, kInteger),
+        RE_NUMBER(nValue154, kInteger),
+        RE_NUMBER(nValue158, kInteger),
+        RE_TEXT(sText162),
+        RE_TEXT(sText166),
+        RE_TEXT(sText173),
+        RE_TEXT(sText180),
+        RE_TEXT(sText182),
+        RE_NUMBER(nValue191, kInteger),
+        RE_NUMBER(nValue195, kInteger),
+        RE_TEXT(sText199),
+        RE_RECORD(operations, OperationTypeFields::kFieldTable),
+        RE_NEW_ONLY(reserved576, kBytes),
+        RE_NEW_ONLY(nValue602, kInteger),
+    };
+    static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), sizeof(OldRecord)};
+    static constexpr void Customize(RERecordFileSpec& spec) {
+        spec.duplicateTrace = "Same record present in the database; UPDATE possible not ADDITION.\n";
+    }
 };
-constexpr uint16_t kJobFileFlags = 64;
 
 // A code argument as a bounded text: null reads as empty, longer codes are cut to `width`.
 size_t CodeLength(const char* code, size_t width) { return code != nullptr ? strnlen(code, width) : 0; }
@@ -37,71 +73,16 @@ bool CodeMatches(const char* wanted, const char* field, size_t width) {
 
 }  // namespace
 
-const RERecordFileSpec REJobFile::kSpec = {
-    .className = "REJobFile",
-    .newSize = sizeof(ESTJOBFILERECORD),
-    .oldSize = sizeof(OLD_ESTJOBFILERECORD),
-    .corruptCode = 1211,
-    .unknownErrorCode = 1104,
-    .createCode = 1102,
-    .toNew = REConverter<&REJobFile::_ConvertToNewRecordFormat>::Call,
-    .toOld = REConverter<&REJobFile::_ConvertToOldRecordFormat>::Call,
-    .create = {.recordLength = sizeof(ESTJOBFILERECORD), .fileFlags = kJobFileFlags, .segments = kJobKey},
-    .duplicateTrace = "Same record present in the database; UPDATE possible not ADDITION.\n",
-};
+const RERecordFileSpec REJobFile::kSpec = REMakeSpec<JobFileTraits, REJobFile>();
 
 REJobFile::REJobFile() : RERecordFile(kSpec), m_appendPageOffset(0) { m_isOldFormat = 1; }
 
-int REJobFile::_ConvertToNewRecordFormat(const OLD_ESTJOBFILERECORD* o, ESTJOBFILERECORD* n) {
-    std::memset(n, 0, sizeof *n);
-    RETextToNew(n->sCode1, o->sCode1);
-    RETextToNew(n->sCode2, o->sCode2);
-    n->nPageNo = o->nPageNo;
-    n->nLineNo = o->nLineNo;
-    n->nValue39 = o->nValue39;
-    gConvertSizeKeyRecToNewFormat(&o->sizeKey, &n->sizeKey);
-    RETextToNew(n->sText124, o->sText124);
-    RETextToNew(n->sText135, o->sText135);
-    std::memcpy(n->nShort142, o->nShort142, sizeof n->nShort142);
-    n->nValue154 = o->nValue154;
-    n->nValue158 = o->nValue158;
-    RETextToNew(n->sText162, o->sText162);
-    RETextToNew(n->sText166, o->sText166);
-    RETextToNew(n->sText173, o->sText173);
-    RETextToNew(n->sText180, o->sText180);
-    RETextToNew(n->sText182, o->sText182);
-    n->nValue191 = o->nValue191;
-    n->nValue195 = o->nValue195;
-    RETextToNew(n->sText199, o->sText199);
-    for (size_t i = 0; i < std::size(n->operations); ++i)
-        gConvertOperationTypeToNewFormat(&o->operations[i], &n->operations[i]);
-    return 1;
+int REJobFile::_ConvertToNewRecordFormat(const OLD_ESTJOBFILERECORD* oldRec, ESTJOBFILERECORD* newRec) {
+    return REConvertToNew(JobFileTraits::kFieldTable, oldRec, newRec);
 }
 
-int REJobFile::_ConvertToOldRecordFormat(const ESTJOBFILERECORD* n, OLD_ESTJOBFILERECORD* o) {
-    std::memset(o, kOldTextFill, sizeof *o);
-    RETextToOld(o->sCode1, n->sCode1);
-    RETextToOld(o->sCode2, n->sCode2);
-    o->nPageNo = n->nPageNo;
-    o->nLineNo = n->nLineNo;
-    o->nValue39 = n->nValue39;
-    gConvertSizeKeyRecToOldFormat(&n->sizeKey, &o->sizeKey);
-    RETextToOld(o->sText124, n->sText124);
-    RETextToOld(o->sText135, n->sText135);
-    std::memcpy(o->nShort142, n->nShort142, sizeof o->nShort142);
-    o->nValue154 = n->nValue154;
-    o->nValue158 = n->nValue158;
-    RETextToOld(o->sText162, n->sText162);
-    RETextToOld(o->sText166, n->sText166);
-    RETextToOld(o->sText173, n->sText173);
-    RETextToOld(o->sText180, n->sText180);
-    RETextToOld(o->sText182, n->sText182);
-    o->nValue191 = n->nValue191;
-    o->nValue195 = n->nValue195;
-    RETextToOld(o->sText199, n->sText199);
-    for (size_t i = 0; i < std::size(o->operations); ++i)
-        gConvertOperationTypeToOldFormat(&n->operations[i], &o->operations[i]);
-    return 1;
+int REJobFile::_ConvertToOldRecordFormat(const ESTJOBFILERECORD* newRec, OLD_ESTJOBFILERECORD* oldRec) {
+    return REConvertToOld(JobFileTraits::kFieldTable, newRec, oldRec);
 }
 
 int REJobFile::_CreateKey(const char* code1, const char* code2, int pageNo, int lineNo,
@@ -185,8 +166,8 @@ int REJobFile::SearchFirstMatchLE(const char* code1, const char* code2, int page
     return 1;
 }
 
-int REJobFile::_FindDuplicate(const void* rec) {
-    const auto* job = static_cast<const ESTJOBFILERECORD*>(rec);
+int REJobFile::_FindDuplicateRecord(const ESTJOBFILERECORD& rec) {
+    const ESTJOBFILERECORD* job = &rec;
     char code1[sizeof job->sCode1 + 1] = {};
     char code2[sizeof job->sCode2 + 1] = {};
     std::memcpy(code1, job->sCode1, sizeof job->sCode1);
@@ -194,7 +175,7 @@ int REJobFile::_FindDuplicate(const void* rec) {
     return SearchFirstRecord(code1, code2, job->nPageNo, job->nLineNo, nullptr);
 }
 
-int REJobFile::DeleteRecord(ESTJOBFILERECORD& rec) { return _FindDuplicate(&rec) && _DeleteCurrent(); }
+int REJobFile::DeleteRecord(ESTJOBFILERECORD& rec) { return _FindDuplicateRecord(rec) && _DeleteCurrent(); }
 
 int REJobFile::DeleteRecord(int pageNo, int lineNo) {
     // The codes lead the key, so records of this page and line lie anywhere after the start.
@@ -210,7 +191,7 @@ int REJobFile::DeleteRecord(int pageNo, int lineNo) {
 }
 
 int REJobFile::UpdateRecord(ESTJOBFILERECORD& keyRec, ESTJOBFILERECORD& newRec) {
-    return _FindDuplicate(&keyRec) && _UpdateCurrent(&newRec);
+    return _FindDuplicateRecord(keyRec) && _UpdateCurrent(&newRec);
 }
 
 int REJobFile::UpdateRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD& newRec) {
@@ -227,9 +208,7 @@ int REJobFile::_GetMaxPageNo() {
 
 void REJobFile::_BeginCopy(int) { m_appendPageOffset = _GetMaxPageNo(); }
 
-void REJobFile::_AdjustCopiedRecord(void* rec, int isOld) {
-    if (isOld)
-        static_cast<OLD_ESTJOBFILERECORD*>(rec)->nPageNo += m_appendPageOffset;
-    else
-        static_cast<ESTJOBFILERECORD*>(rec)->nPageNo += m_appendPageOffset;
+bool REJobFile::_AdjustCopied(ESTJOBFILERECORD& rec) {
+    rec.nPageNo += m_appendPageOffset;
+    return m_appendPageOffset != 0;
 }

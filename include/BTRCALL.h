@@ -11,3 +11,10 @@
 
 extern "C" TARSEL_API int16_t BTRCALL(uint16_t operation, void* posBlock, void* dataBuffer, uint32_t* dataLength,
                                       void* keyBuffer, uint8_t keyLength, int8_t keyNumber);
+
+// The call through which every REBtrieveBase reaches the record manager: BTRCALL unless replaced.
+// A test puts its own function here to make any operation answer any status; null restores
+// BTRCALL. Returns the previous function. Set it while no other thread is calling.
+using REBtrieveCall = int16_t (*)(uint16_t operation, void* posBlock, void* dataBuffer, uint32_t* dataLength,
+                                  void* keyBuffer, uint8_t keyLength, int8_t keyNumber);
+TARSEL_API REBtrieveCall RESetBtrieveCall(REBtrieveCall call);

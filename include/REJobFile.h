@@ -133,7 +133,7 @@ static_assert(offsetof(OLD_ESTJOBFILERECORD_KEY, sCode2) == 4);
 static_assert(offsetof(OLD_ESTJOBFILERECORD_KEY, nPageNo) == 29);
 static_assert(offsetof(OLD_ESTJOBFILERECORD_KEY, nLineNo) == 33);
 
-class TARSEL_API REJobFile : public RERecordFile<REJobFile, ESTJOBFILERECORD> {
+class TARSEL_API REJobFile : public RERecordFile<REJobFile, RELayout<ESTJOBFILERECORD, OLD_ESTJOBFILERECORD>> {
 public:
     REJobFile();
 
@@ -174,10 +174,13 @@ public:
     // The greatest page number in the file, 0 when it is empty.
     int _GetMaxPageNo();
 
+    // The record-file hooks: AddRecord's duplicate search on the record's own key, and the page
+    // renumbering of appended records.
+    int _FindDuplicateRecord(const ESTJOBFILERECORD& rec);
+    bool _AdjustCopied(ESTJOBFILERECORD& rec);
+
 protected:
-    int _FindDuplicate(const void* rec) override;
     void _BeginCopy(int srcIsOld) override;
-    void _AdjustCopiedRecord(void* rec, int isOld) override;
 
 private:
     int _SetSearchKey(const char* code1, const char* code2, int pageNo, int lineNo);

@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <list>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 struct RERecordFileSpec;
@@ -82,22 +83,57 @@ protected:
     // The class's key search for AddRecord: 1 when a record with `rec`'s key exists. The default
     // searches nothing and lets the record manager refuse a duplicate key.
     virtual int _FindDuplicate(const void* rec);
-    // Called by _CopyRecords before the first record is inserted, and for each record read from
-    // the source, in the layout it was read in (`isOld`), before it is converted and inserted.
+    // Called by _CopyRecords before the first record is inserted, and for each record copied, in
+    // the current layout; true when the record was changed. Classes give the typed
+    // `bool _AdjustCopied(Record&)` instead (RERecordFile).
     virtual void _BeginCopy(int srcIsOld);
-    virtual void _AdjustCopiedRecord(void* rec, int isOld);
+    virtual bool _AdjustCopiedRecord(void* rec);
+
+    // One record-manager call with a current-layout record, converted when the file is old;
+    // returns the status as it is, judging nothing: for the operations whose statuses the class
+    // tells apart itself (a record in use, say).
+    int16_t _CallStatus(unsigned op, void* rec);
+    // The one judgement of a status: 1 for success; otherwise 0, after the class's message for
+    // the statuses that are reported (REStatusIsReported).
+    int _Judge(unsigned op, int16_t status) const;
 
 private:
     int _Write(uint16_t op, const void* rec);
+    void* _CopiedRecord(void* read, int srcIsOld, void* converted);
     void* _Scratch();
 
     const RERecordFileSpec* m_spec;
     std::vector<uint8_t> m_scratch;  // one record of the larger layout
 };
 
-template <class Derived, class REC>
+// The record layouts of a file class: the one callers see and the one of the earlier generation
+// of files (void: none).
+template <class NEWREC, class OLDREC = void>
+struct RELayout {
+    using Record = NEWREC;
+    using OldRecord = OLDREC;
+};
+
+namespace detail {
+template <class T, class = void>
+struct LayoutOf {
+    using type = RELayout<T>;
+};
+template <class T>
+struct LayoutOf<T, std::void_t<typename T::Record>> {
+    using type = T;
+};
+}  // namespace detail
+
+// `Layout` is an RELayout (or a record alone, for a file of one layout). The class's traits,
+// from which its spec is made (core/RecordFileSpec.h), must name the same records.
+template <class Derived, class Layout>
 class RERecordFile : public RERecordFileEngine {
 public:
+    using Record = typename detail::LayoutOf<Layout>::type::Record;
+    using OldRecord = typename detail::LayoutOf<Layout>::type::OldRecord;
+    using REC = Record;
+
     int GetFirstRecord(REC* rec) { return _GetPositional(kFirst, rec); }
     int GetLastRecord(REC* rec) { return _GetPositional(kLast, rec); }
     int GetNextRecord(REC* rec) { return _GetPositional(kNext, rec); }
@@ -122,6 +158,17 @@ public:
 
 protected:
     using RERecordFileEngine::RERecordFileEngine;
+
+    // Typed hooks; a class declares its own to take part. The duplicate search of AddRecord:
+    // 1 when a record with `rec`'s key exists (default: none, the record manager refuses a
+    // duplicate key). The adjustment of a copied record: true when it changed the record.
+    int _FindDuplicateRecord(const Record&) { return 0; }
+    bool _AdjustCopied(Record&) { return false; }
+
+    int _FindDuplicate(const void* rec) final {
+        return static_cast<Derived*>(this)->_FindDuplicateRecord(*static_cast<const Record*>(rec));
+    }
+    bool _AdjustCopiedRecord(void* rec) final { return static_cast<Derived*>(this)->_AdjustCopied(*static_cast<Record*>(rec)); }
 
     // Frees every record of the collection and empties it; 1. Classes name these after their
     // records (ResetJobRecList).
