@@ -16,6 +16,8 @@
 // it with blanks; then every entry copies its field by its rule.
 #pragma once
 
+#include "tarsel_export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -127,8 +129,12 @@ constexpr REField Make(const char* name, REFieldKind kind, REFieldRule rule, siz
                   refield::ElementSize<decltype(Record::field)>(), offsetof(OldRecord, field),                  \
                   refield::ElementSize<decltype(OldRecord::field)>(),                                           \
                   REFieldExtent<decltype(Record::field)>::kCount, &(table))
-// A field converted element by element by its own functions (toOld may be null: not written).
-#define RE_CUSTOM(field, oldField, kind, toNew, toOld)                                                          \
+// A field converted by its own functions (toOld may be null: not written).
+#define RE_CUSTOM(field, oldField, kind, toNew, toOld)                                                             \
+    refield::Make(#field, REFieldKind::kind, REFieldRule::kCustom, offsetof(Record, field), sizeof(Record::field), \
+                  offsetof(OldRecord, oldField), sizeof(OldRecord::oldField), 1, nullptr, toNew, toOld)
+// An array field converted element by element by its own functions.
+#define RE_CUSTOM_EACH(field, oldField, kind, toNew, toOld)                                                     \
     refield::Make(#field, REFieldKind::kind, REFieldRule::kCustom, offsetof(Record, field),                    \
                   refield::ElementSize<decltype(Record::field)>(), offsetof(OldRecord, oldField),               \
                   refield::ElementSize<decltype(OldRecord::oldField)>(),                                        \
@@ -164,9 +170,9 @@ constexpr bool REFieldsFit(std::span<const REField> fields, size_t newSize, size
 }
 
 // Old record -> current record by the table; 1.
-int REConvertToNew(const REFieldTable& table, const void* oldRec, void* newRec);
+TARSEL_API int REConvertToNew(const REFieldTable& table, const void* oldRec, void* newRec);
 // Current record -> old record by the table; 1.
-int REConvertToOld(const REFieldTable& table, const void* newRec, void* oldRec);
+TARSEL_API int REConvertToOld(const REFieldTable& table, const void* newRec, void* oldRec);
 
 // The two conversions of one table as untyped converter functions.
 template <const REFieldTable& Table>

@@ -3,7 +3,7 @@
 // appended to and from current-layout files.
 #include "REJobFile.h"
 
-#include "../core/RawRecordFile.h"
+#include "RawRecordFile.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,74 @@
+// Field tables: every old layout of the library survives the round trip through the current one,
+// and the rules that the round trip cannot see (widening, narrowing, cut texts) hold.
+#include "FieldTableRoundTrip.h"
+
+#include "catalogue/SizeKeyFields.h"
+#include "labor/OperationTypeFields.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+TEST(FieldTable, OldLayoutsRoundTrip) {
+    testsupport::ExpectOldLayoutRoundTrip(SizeKeyFields::kFieldTable);
+    testsupport::ExpectOldLayoutRoundTrip(OperationTypeFields::kFieldTable);
+}
+
+namespace {
+
+#pragma pack(push, 1)
+struct WideRecord {
+    int32_t nCount;
+    char sName[6];
+    int16_t nPair[2];
+    uint8_t reserved[3];
+};
+struct NarrowRecord {
+    int16_t nCount;
+    char sName[8];
+    int8_t nPair[2];
+};
+#pragma pack(pop)
+
+struct WideFields {
+    using Record = WideRecord;
+    using OldRecord = NarrowRecord;
+    static constexpr REField kFields[] = {
+        RE_NUMBER(nCount, kInteger),
+        RE_TEXT(sName),
+        RE_NUMBER(nPair, kInteger),
+        RE_NEW_ONLY(reserved, kBytes),
+    };
+    static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), sizeof(OldRecord)};
+};
+static_assert(REFieldsFit(WideFields::kFields, sizeof(WideRecord), sizeof(NarrowRecord)));
+
+}  // namespace
+
+TEST(FieldTable, NumbersWidenWithTheirSignAndTextsAreCutToTheNewWidth) {
+    NarrowRecord old;
+    std::memset(&old, ' ', sizeof old);
+    old.nCount = -3;
+    std::memcpy(old.sName, "ABCDEFG ", 8);
+    old.nPair[0] = -1;
+    old.nPair[1] = 100;
+    WideRecord rec;
+    std::memset(&rec, 0x55, sizeof rec);
+    ASSERT_EQ(1, REConvertToNew(WideFields::kFieldTable, &old, &rec));
+    EXPECT_EQ(-3, rec.nCount);
+    EXPECT_STREQ("ABCDE", rec.sName);  // cut to five characters and its terminator
+    EXPECT_EQ(-1, rec.nPair[0]);
+    EXPECT_EQ(100, rec.nPair[1]);
+    EXPECT_EQ(0, rec.reserved[0]);
+
+    rec.nCount = 70000;  // cut to its low 16 bits toward the old layout
+    NarrowRecord back;
+    ASSERT_EQ(1, REConvertToOld(WideFields::kFieldTable, &rec, &back));
+    EXPECT_EQ(static_cast<int16_t>(70000 & 0xffff), back.nCount);
+    EXPECT_EQ(0, std::memcmp(back.sName, "ABCDE   ", 8));
+    EXPECT_EQ(0, REConvertToNew(WideFields::kFieldTable, nullptr, &rec));
+}
+
+#include "estimating/JobFileTraits.h"
+
+TEST(FieldTable, ClassLayoutsRoundTrip) { testsupport::ExpectOldLayoutRoundTrip(JobFileTraits::kFieldTable); }
