@@ -169,7 +169,7 @@ int RERecordFileEngine::DeleteAllRecords() {
     return 1;
 }
 
-int RERecordFileEngine::Reset() {
+int RERecordFileEngine::_Reset() {
     if (IsOpen())
         Close();
     if (m_spec->ownPath) {

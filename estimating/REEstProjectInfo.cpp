@@ -11,10 +11,6 @@
 
 namespace {
 
-constexpr REKeySegment kProjectKeys[] = {
-    {1, 4, kKeyLastSegment, kKeyTypeAutoIncrement, kKeyNullByte},  // nId
-};
-
 enum : unsigned {
     kCorruptCode = 1002,       // "ESTJOB.dat file is corrupt."
     kUnknownErrorCode = 1104,  // "Unknown error job database file. [Error# %d]"
@@ -52,16 +48,23 @@ bool SameTextIgnoringCase(const char (&a)[N], const char (&b)[N]) {
 
 }  // namespace
 
-const RERecordFileSpec REEstProjectInfo::kSpec = {
-    .className = "REEstProjectInfo",
-    .newSize = sizeof(TSLESTIMATEDATA),
-    .statLength = kFixedPartLength,
-    .corruptCode = kCorruptCode,
-    .unknownErrorCode = kUnknownErrorCode,
-    .createCode = kCreateCode,
-    .create = {.recordLength = kFixedPartLength, .fileFlags = kVariableLengthRecords, .segments = kProjectKeys},
-    .keepOpenOnCorrupt = true,
+struct EstProjectTraits {
+    using Record = TSLESTIMATEDATA;
+    static constexpr const char* kClassName = "REEstProjectInfo";
+    static constexpr REMessageCodes kMessages = {.corrupt = kCorruptCode, .unknownError = kUnknownErrorCode,
+                                                 .create = kCreateCode};
+    static constexpr REKeySegment kKeys[] = {RE_KEY(nId, kKeyLastSegment, kKeyTypeAutoIncrement)};
+    static constexpr uint16_t kFileFlags = kVariableLengthRecords;
+    static constexpr REField kFields[] = {RE_FIELD(nId, kInteger), RE_FIELD(data, kRecord)};
+    static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), 0};
+    static constexpr void Customize(RERecordFileSpec& spec) {
+        spec.statLength = kFixedPartLength;
+        spec.create.recordLength = kFixedPartLength;
+        spec.keepOpenOnCorrupt = true;
+    }
 };
+
+const RERecordFileSpec REEstProjectInfo::kSpec = REMakeSpec<EstProjectTraits, REEstProjectInfo>();
 
 REEstProjectInfo::REEstProjectInfo(const std::string& userName, int superUser)
     : RERecordFile(kSpec), m_bSuperUser(superUser) {
@@ -140,11 +143,11 @@ int REEstProjectInfo::CreateImageFile(const std::string& path) {
 
 int REEstProjectInfo::Empty() {
     TSLESTIMATEDATA rec{};
-    int16_t status = Btrieve(kOpStepFirst, &rec);
+    int16_t status = _CallStatus(kOpStepFirst, &rec);
     while (status == kStatusSuccess) {
         if (!_DeleteCurrent())
             return 0;
-        status = Btrieve(kOpStepNext, &rec);
+        status = _CallStatus(kOpStepNext, &rec);
     }
     return status == kStatusEndOfFile ? 1 : 0;
 }
@@ -178,7 +181,7 @@ int16_t REEstProjectInfo::_LockedProbe(long id) {
     SetKeyNumber(0);
     SetKeyBuffer(&key, sizeof key);
     TSLESTIMATEDATA rec{};
-    return Btrieve(kOpGetGreaterOrEqual + kBiasSingleNoWaitLock, &rec);
+    return _CallStatus(kOpGetGreaterOrEqual + kBiasSingleNoWaitLock, &rec);
 }
 
 int REEstProjectInfo::GetProjectDetail(PROJINFORMATION* info, const int& lock) {

@@ -11,17 +11,29 @@ namespace {
 constexpr uint16_t kKeyUnique = kKeyLastSegment;
 constexpr uint16_t kKeyWithDuplicates = kKeyLastSegment | kKeyDuplicates;
 
-constexpr REKeySegment kLockKeys[] = {
-    {1, 200, kKeyUnique, kKeyTypeZString, kKeyNullByte},          // szUserName
-    {201, 4, kKeyWithDuplicates, kKeyTypeInteger, kKeyNullByte},  // nSuperUser
-    {205, 4, kKeyWithDuplicates, kKeyTypeInteger, kKeyNullByte},  // nLockedJobId
-    {209, 4, kKeyWithDuplicates, kKeyTypeInteger, kKeyNullByte},  // nUpdatePending
-};
-
-enum : unsigned {
-    kCorruptCode = 1229,       // "Network file is corrupt."
-    kUnknownErrorCode = 1273,  // "Unknown error network database file. [Error# %d]"
-    kCreateCode = 1251,        // "Unknown error to create network database file. [Error# %d]"
+struct ProjectLockTraits {
+    using Record = PROJECTLOCKINFO;
+    static constexpr const char* kClassName = "REProjectLock";
+    // "Network file is corrupt.", "Unknown error network database file. [Error# %d]",
+    // "Unknown error to create network database file. [Error# %d]"
+    static constexpr REMessageCodes kMessages = {.corrupt = 1229, .unknownError = 1273, .create = 1251};
+    static constexpr REKeySegment kKeys[] = {
+        RE_KEY(szUserName, kKeyUnique, kKeyTypeZString),
+        RE_KEY(nSuperUser, kKeyWithDuplicates, kKeyTypeInteger),
+        RE_KEY(nLockedJobId, kKeyWithDuplicates, kKeyTypeInteger),
+        RE_KEY(nUpdatePending, kKeyWithDuplicates, kKeyTypeInteger),
+    };
+    static constexpr REField kFields[] = {
+        RE_FIELD(szUserName, kText),    RE_FIELD(nSuperUser, kInteger),  RE_FIELD(nLockedJobId, kInteger),
+        RE_FIELD(nUpdatePending, kInteger), RE_FIELD(szUpdatedBy, kText), RE_FIELD(nUpdatedJobId, kInteger),
+    };
+    static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), 0};
+    static constexpr void Customize(RERecordFileSpec& spec) {
+        // The users' scans follow whatever key the caller chose last.
+        spec.first = {REBtrieveBase::kOpGetFirst, REPositionalRead::kCurrentKey};
+        spec.next = {REBtrieveBase::kOpGetNext, REPositionalRead::kCurrentKey};
+        spec.keepOpenOnCorrupt = true;
+    }
 };
 
 // Copies `text` into a fixed text field, cut to fit with its NUL.
@@ -45,18 +57,7 @@ std::string StoredName(const char (&field)[200]) { return std::string(field, str
 
 }  // namespace
 
-const RERecordFileSpec REProjectLock::kSpec = {
-    .className = "REProjectLock",
-    .newSize = sizeof(PROJECTLOCKINFO),
-    .corruptCode = kCorruptCode,
-    .unknownErrorCode = kUnknownErrorCode,
-    .createCode = kCreateCode,
-    .create = {.recordLength = sizeof(PROJECTLOCKINFO), .segments = kLockKeys},
-    // The users' scans follow whatever key the caller chose last.
-    .first = {REBtrieveBase::kOpGetFirst, REPositionalRead::kCurrentKey},
-    .next = {REBtrieveBase::kOpGetNext, REPositionalRead::kCurrentKey},
-    .keepOpenOnCorrupt = true,
-};
+const RERecordFileSpec REProjectLock::kSpec = REMakeSpec<ProjectLockTraits, REProjectLock>();
 
 REProjectLock::REProjectLock() : RERecordFile(kSpec) {}
 REProjectLock::REProjectLock(const REProjectLock& other) = default;
@@ -86,7 +87,7 @@ int REProjectLock::FindUser(const char* userName, PROJECTLOCKINFO* rec) {
 
     SetKeyNumber(kKeyUserName);
     SetKeyBuffer(&found, sizeof found.szUserName);
-    const bool hit = (Btrieve(kOpGetEqual, &found) == kStatusSuccess &&
+    const bool hit = (_CallStatus(kOpGetEqual, &found) == kStatusSuccess &&
                       SameName(StoredName(found.szUserName).c_str(), wanted)) ||
                      _FindUserIgnoringCase(wanted, &found);
     if (!hit)
@@ -100,8 +101,8 @@ int REProjectLock::FindUser(const char* userName, PROJECTLOCKINFO* rec) {
 // exact search; the file holds one record per logged-in user, so a walk is cheap. The walk
 // leaves the found record current for a following update or delete.
 int REProjectLock::_FindUserIgnoringCase(const char* storedName, PROJECTLOCKINFO* found) {
-    for (int16_t status = Btrieve(kOpStepFirst, found); status == kStatusSuccess;
-         status = Btrieve(kOpStepNext, found)) {
+    for (int16_t status = _CallStatus(kOpStepFirst, found); status == kStatusSuccess;
+         status = _CallStatus(kOpStepNext, found)) {
         if (SameName(StoredName(found->szUserName).c_str(), storedName))
             return 1;
     }
@@ -196,7 +197,7 @@ int REProjectLock::IsJobLocked(const int& jobId, std::string& userName) {
     int32_t wanted = jobId;
     SetKeyNumber(kKeyLockedJob);
     SetKeyBuffer(&wanted, sizeof wanted);
-    if (Btrieve(kOpGetEqual, &rec) != kStatusSuccess || rec.nLockedJobId != jobId)
+    if (_CallStatus(kOpGetEqual, &rec) != kStatusSuccess || rec.nLockedJobId != jobId)
         return 0;
     userName = StoredName(rec.szUserName);
     return 1;

@@ -59,7 +59,7 @@ static_assert(sizeof(TSLESTIMATEDATA) == 1124);
 static_assert(offsetof(TSLESTIMATEDATA, nId) == 0);
 static_assert(offsetof(TSLESTIMATEDATA, data) == 4);
 
-class TARSEL_API REEstProjectInfo : public RERecordFile<REEstProjectInfo, TSLESTIMATEDATA> {
+class TARSEL_API REEstProjectInfo : public RERecordFile<REEstProjectInfo, RELayout<TSLESTIMATEDATA>> {
 public:
     // User-name part of the identity when the constructor is given no user name.
     static constexpr char m_strConstSysUsrName[] = "$SysUsr$";
@@ -86,7 +86,8 @@ public:
     // Opens the project (closing an open one first), then its lock file (created when missing),
     // and logs the user in. A user already logged in under the same identity is refused with the
     // already-logged-in message and the project is closed again.
-    int Initialize(const char* path);
+    int Initialize(const char* path) override;
+    using RERecordFile::Initialize;
     // Logs the user out of the lock file when `logOut` is non-zero, closes the lock file and the
     // project, and drops the super-user flag.
     int Close(const int& logOut);
@@ -137,6 +138,10 @@ public:
     std::string m_strCurUser;
     REProjectLock m_projectLock;
     int32_t m_bSuperUser;
+
+protected:
+    // Reset through a base: with log-out, as Reset() on the class.
+    int _Reset() override { return Reset(1); }
 
 private:
     static const RERecordFileSpec kSpec;

@@ -28,10 +28,11 @@ public:
 
     int Close() override;
 
-    // Closes an open file (virtual Close), then opens `path` and tells its layout.
-    int Initialize(const char* path);
-    // Closes the file if open; 1.
-    int Reset();
+    // Closes an open file (virtual Close), then opens `path` and tells its layout. Virtual, so
+    // that a class that does more on open (a project logs its user in) does it through any base.
+    virtual int Initialize(const char* path);
+    // Closes the file if open; 1. A class that resets more overrides _Reset.
+    int Reset() { return _Reset(); }
     // Deletes every record; 1 also for an empty file, 0 when a delete fails.
     int DeleteAllRecords();
     // Creates (or replaces) the file at `path` empty, with the class's specification. The new
@@ -87,6 +88,7 @@ protected:
     // the current layout; true when the record was changed. Classes give the typed
     // `bool _AdjustCopied(Record&)` instead (RERecordFile).
     virtual void _BeginCopy(int srcIsOld);
+    virtual int _Reset();
     virtual bool _AdjustCopiedRecord(void* rec);
 
     // One record-manager call with a current-layout record, converted when the file is old;

@@ -195,3 +195,22 @@ TEST_F(EstProjectInfoTest, ImageCopiesEveryRecordAndEmptyClearsTheFile) {
 }
 
 }  // namespace
+
+// Opening and resetting through the record-file base does what the project does on its own:
+// the user is logged in and out of the lock file.
+TEST(EstProjectInfoThroughBase, InitializeAndResetLogTheUserInAndOut) {
+    testsupport::TempDir dir;
+    const std::string path = dir.file("BASE.RDB");
+    REEstProjectInfo project("estimator");
+    ASSERT_EQ(1, project.CreateNewFile(path));
+    RERecordFileEngine& base = project;
+    ASSERT_EQ(1, base.Initialize(path.c_str()));
+    REProjectLock* lock = project.GetProjectLockFilePtr();
+    ASSERT_EQ(1, lock->FindUser(project.m_strCurUser.c_str(), nullptr));
+
+    ASSERT_EQ(1, base.Reset());
+    EXPECT_EQ(0, project.IsOpen());
+    REProjectLock lockFile;
+    ASSERT_EQ(1, lockFile.Initialize(dir.file("BASE.RDK")));
+    EXPECT_EQ(0, lockFile.FindUser(project.m_strCurUser.c_str(), nullptr));
+}
