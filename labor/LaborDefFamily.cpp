@@ -1,7 +1,7 @@
 #include "labor/LaborDefFamily.h"
 
 #include "REErrorMessages.h"
-#include "pricing/PlainFile.h"
+#include "plainfile/PlainFile.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,8 +3,9 @@
 #pragma once
 
 #include "RELaborDefRecords.h"
-#include "pricing/PlainText.h"
-#include "pricing/RecordList.h"
+#include "plainfile/PlainFile.h"
+#include "plainfile/PlainText.h"
+#include "plainfile/RecordList.h"
 
 #include <cstring>
 #include <list>
@@ -46,3 +47,30 @@ int FindGroupNo(const std::list<REC*>& list, std::string_view name) {
 }
 
 }  // namespace plainfile
+
+// Defines the operations of a labor definition class over `Record`, described by `kind` (its
+// m_filePath, m_isInitialized and m_signature as the class declares them).
+#define RE_LABOR_DEF_OPERATIONS(Class, Record, kind)                                                 \
+    Class::Class() : m_filePath{}, m_isInitialized(0), m_signature{} {}                                \
+    Class::~Class() = default;                                                                        \
+    int Class::Initialize(const char* path) {                                                         \
+        m_isInitialized = plainfile::StorePath(m_filePath, sizeof(m_filePath), path) ? 1 : 0;          \
+        return m_isInitialized;                                                                       \
+    }                                                                                                 \
+    int Class::GetRecords(std::list<Record*>& list) {                                                 \
+        if (!list.empty())                                                                            \
+            ResetRecords(list);                                                                       \
+        return plainfile::LoadLaborDefs(kind, m_filePath, plainfile::RefTo(list));                    \
+    }                                                                                                 \
+    int Class::SaveRecords(const std::list<Record*>& list) {                                          \
+        _CreateSignature();                                                                           \
+        return plainfile::SaveLaborDefs(m_filePath, m_signature, plainfile::RefTo(list));             \
+    }                                                                                                 \
+    int Class::ResetRecords(std::list<Record*>& list) {                                               \
+        plainfile::RefTo(list).release(&list);                                                        \
+        return 1;                                                                                     \
+    }                                                                                                 \
+    int Class::GetGroupNo(const std::list<Record*>& list, const std::string& name) {                  \
+        return plainfile::FindGroupNo(list, name);                                                    \
+    }                                                                                                 \
+    void Class::_CreateSignature() { plainfile::MakeSignature(kind, m_signature); }

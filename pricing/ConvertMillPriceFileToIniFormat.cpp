@@ -1,7 +1,7 @@
 #include "ConvertMillPriceFileToIniFormat.h"
 
 #include "core/Platform.h"
-#include "pricing/PlainFile.h"
+#include "plainfile/PlainFile.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,10 +2,11 @@
 
 #include "REErrorMessages.h"
 #include "core/Platform.h"
-#include "pricing/PlainFile.h"
+#include "plainfile/PlainFile.h"
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace plainfile {
 
@@ -36,10 +37,16 @@ bool IsHookSection(const PriceListKind& kind, std::string_view line) {
     return kind.hook.name != nullptr && EqualsIgnoreCase(line, kind.hook.name);
 }
 
+std::vector<RecordListRef> ListsOf(const PriceListKind& kind, void* owner) {
+    std::vector<RecordListRef> lists;
+    for (const PriceSection& section : kind.sections)
+        lists.push_back(section.list(owner));
+    return lists;
+}
+
 }  // namespace
 
-int LoadPriceList(const PriceListKind& kind, const std::string& path,
-                  std::span<const RecordListRef> lists, void* owner) {
+int LoadPriceList(const PriceListKind& kind, const std::string& path, void* owner) {
     std::string content;
     if (!ReadWholeFile(path, content)) {
         ShowErrorMessage(kind.missingError);
@@ -47,11 +54,12 @@ int LoadPriceList(const PriceListKind& kind, const std::string& path,
     }
     const std::string_view file(content);
     if (HasIdentification(file.substr(0, kHeaderSize), kind.ident)) {
-        TransferBinaryBody(file.size() > kHeaderSize ? file.substr(kHeaderSize) : std::string_view(), lists);
+        TransferBinaryBody(file.size() > kHeaderSize ? file.substr(kHeaderSize) : std::string_view(),
+                           ListsOf(kind, owner));
         return 1;
     }
     // The text form ends at its first zero byte, as a zero-terminated text would.
-    ParseTextForm(kind, file.substr(0, std::min(file.size(), file.find('\0'))), lists, owner);
+    ParseTextForm(kind, file.substr(0, std::min(file.size(), file.find('\0'))), owner);
     KeepTextFormCopy(path);
     return 1;
 }
@@ -76,8 +84,7 @@ int TransferBinaryBody(std::string_view body, std::span<const RecordListRef> lis
     return 1;
 }
 
-int ParseTextForm(const PriceListKind& kind, std::string_view text,
-                  std::span<const RecordListRef> lists, void* owner) {
+int ParseTextForm(const PriceListKind& kind, std::string_view text, void* owner) {
     const std::vector<std::string_view> lines = SplitLines(text);
     std::size_t next = 0;
     while (next < lines.size()) {
@@ -97,7 +104,7 @@ int ParseTextForm(const PriceListKind& kind, std::string_view text,
                     return 0;
                 continue;
             }
-            const RecordListRef& list = lists[static_cast<std::size_t>(section)];
+            const RecordListRef list = kind.sections[static_cast<std::size_t>(section)].list(owner);
             void* record = NewRecord(list);
             if (record == nullptr)
                 return 0;
@@ -109,22 +116,22 @@ int ParseTextForm(const PriceListKind& kind, std::string_view text,
 }
 
 int SavePriceList(const PriceListKind& kind, const std::string& target, const std::string& loadPath,
-                  std::span<const RecordListRef> lists) {
+                  void* owner) {
     std::string out(kHeaderSize, kHeaderFill);
     const std::size_t identLength = std::strlen(kind.ident);
     out.replace(0, identLength + 1, kind.ident, identLength + 1);
     const std::size_t pathLength = std::min(loadPath.size(), kHeaderSize - kPathOffset - 1);
     out.replace(kPathOffset, pathLength, loadPath, 0, pathLength);
     out[kPathOffset + pathLength] = '\0';
-    for (const RecordListRef& list : lists) {
+    for (const RecordListRef& list : ListsOf(kind, owner)) {
         AppendInt32(out, static_cast<int32_t>(list.count(list.list)));
         list.writeRecords(list.list, out);
     }
     return ReplaceFile(target, out) ? 1 : 0;
 }
 
-void ReleaseLists(std::span<const RecordListRef> lists) {
-    for (const RecordListRef& list : lists)
+void ReleaseLists(const PriceListKind& kind, void* owner) {
+    for (const RecordListRef& list : ListsOf(kind, owner))
         list.release(list.list);
 }
 

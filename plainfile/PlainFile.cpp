@@ -1,4 +1,4 @@
-#include "pricing/PlainFile.h"
+#include "plainfile/PlainFile.h"
 
 #include "core/Platform.h"
 

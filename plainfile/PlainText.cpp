@@ -1,4 +1,4 @@
-#include "pricing/PlainText.h"
+#include "plainfile/PlainText.h"
 
 #include <cctype>
 #include <charconv>
