@@ -9,7 +9,7 @@ FUZZ_SECONDS ?= 180
 PACKAGES   = cmake g++ make pkg-config libsqlite3-dev libgtest-dev libgmock-dev libbenchmark-dev \
              clang libclang-rt-14-dev
 
-.PHONY: all deps build demo test test-normal test-sanitize bench fuzz clean
+.PHONY: all deps build demo test test-normal test-install test-sanitize bench fuzz clean
 
 all: build
 
@@ -33,7 +33,8 @@ $(BUILD)/CMakeCache.txt: | deps
 build: deps $(BUILD)/CMakeCache.txt
 	cmake --build $(BUILD) -j $(JOBS)
 
-demo: build
+demo: deps $(BUILD)/CMakeCache.txt
+	cmake --build $(BUILD) -j $(JOBS) --target tarsel_demo
 	./$(BUILD)/examples/tarsel_demo
 
 test-normal: build
@@ -50,7 +51,20 @@ test-sanitize: deps $(ASAN_BUILD)/CMakeCache.txt
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --output-on-failure -j $(JOBS)
 
-test: test-normal test-sanitize
+# Installs the normal build into a temporary prefix and builds a small program against it,
+# once through the CMake package and once through pkg-config, then runs both.
+STAGE = $(BUILD)/stage
+test-install: build
+	rm -rf $(STAGE) && cmake --install $(BUILD) --prefix $(CURDIR)/$(STAGE) >/dev/null
+	cmake -S tests/consumer -B $(STAGE)/consumer-cmake -DCMAKE_PREFIX_PATH=$(CURDIR)/$(STAGE) >/dev/null
+	cmake --build $(STAGE)/consumer-cmake >/dev/null
+	mkdir -p $(STAGE)/run && LD_LIBRARY_PATH=$(CURDIR)/$(STAGE)/lib:$(CURDIR)/$(STAGE)/lib/$$(gcc -print-multiarch) \
+	  $(STAGE)/consumer-cmake/consumer $(STAGE)/run
+	PKG_CONFIG_PATH=$$(dirname $$(find $(CURDIR)/$(STAGE) -name tarsel.pc)) && export PKG_CONFIG_PATH && \
+	  c++ -std=c++17 tests/consumer/main.cpp $$(pkg-config --cflags --libs tarsel) -o $(STAGE)/consumer-pkgconfig && \
+	  LD_LIBRARY_PATH=$$(pkg-config --variable=libdir tarsel) $(STAGE)/consumer-pkgconfig $(STAGE)/run
+
+test: test-normal test-install test-sanitize
 
 $(BENCH_BUILD)/CMakeCache.txt: | deps
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DTARSEL_BUILD_BENCH=ON -DTARSEL_BUILD_TESTS=OFF

@@ -8,8 +8,8 @@
 // particular operations; the hooks below let it add a duplicate search and append renumbering.
 #pragma once
 
-#include "REBtrieveBase.h"
-#include "tarsel_export.h"
+#include "../REBtrieveBase.h"
+#include "../tarsel_export.h"
 
 #include <cstdint>
 #include <cstdlib>
