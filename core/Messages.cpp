@@ -5,6 +5,8 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <iterator>
+#include <algorithm>
 #include <string>
 
 #if defined(_WIN32)
@@ -28,6 +30,63 @@ void DefaultMessageHandler(const char* caption, const char* text, unsigned int s
 std::atomic<REMessageHandler> g_messageHandler{&DefaultMessageHandler};
 std::atomic<RETraceHandler> g_traceHandler{nullptr};
 
+struct ExHandler {
+    REMessageHandlerEx handler;
+    void* context;
+};
+std::atomic<ExHandler*> g_exHandler{nullptr};
+
+constexpr size_t kPathSize = 261;
+
+// The last call of this thread: the path is copied when it comes from another place than the
+// last one, or when Open or Create may have put a new path there.
+struct LastCall {
+    int operation = -1;
+    const char* source = nullptr;
+    char path[kPathSize] = {};
+};
+thread_local LastCall t_lastCall;
+
+struct LastError {
+    REErrorInfo info{0, 0, -1, "", ""};
+    char path[kPathSize] = {};
+    std::string text;
+};
+thread_local LastError t_lastError;
+
+}  // namespace
+
+void RENoteCall(int operation, const char* path, size_t maxLength) {
+    constexpr int kOpen = 0, kCreate = 14, kOpBase = 100;
+    LastCall& last = t_lastCall;
+    last.operation = operation;
+    const int base = operation % kOpBase;
+    if (path != last.source || base == kOpen || base == kCreate) {
+        last.source = path;
+        size_t length = 0;
+        if (path != nullptr)
+            for (; length < kPathSize - 1 && length < maxLength && path[length] != '\0'; ++length)
+                last.path[length] = path[length];
+        last.path[length] = '\0';
+    }
+}
+
+void RESetMessageHandlerEx(REMessageHandlerEx handler, void* context) {
+    ExHandler* next = handler != nullptr ? new ExHandler{handler, context} : nullptr;
+    // The previous holder is kept: a report on another thread may still be reading it.
+    g_exHandler.exchange(next);
+}
+
+const REErrorInfo* RELastError() { return &t_lastError.info; }
+
+void REClearLastError() {
+    t_lastError.text.clear();
+    t_lastError.path[0] = '\0';
+    t_lastError.info = REErrorInfo{0, 0, -1, "", ""};
+}
+
+namespace {
+
 }  // namespace
 
 REMessageHandler RESetMessageHandler(REMessageHandler handler) {
@@ -36,8 +95,18 @@ REMessageHandler RESetMessageHandler(REMessageHandler handler) {
 
 void RESetTraceHandler(RETraceHandler handler) { g_traceHandler.store(handler); }
 
-void REShowMessage(const char* caption, const char* text, unsigned int style) {
-    g_messageHandler.load()(caption != nullptr ? caption : "", text != nullptr ? text : "", style);
+void REShowMessage(const char* caption, const char* text, unsigned int style, unsigned int message, int status) {
+    caption = caption != nullptr ? caption : "";
+    text = text != nullptr ? text : "";
+    LastError& last = t_lastError;
+    last.text = text;
+    std::copy(std::begin(t_lastCall.path), std::end(t_lastCall.path), std::begin(last.path));
+    last.info = REErrorInfo{message, status, t_lastCall.operation, last.path, last.text.c_str()};
+    if (const ExHandler* ex = g_exHandler.load()) {
+        ex->handler(ex->context, caption, text, style, &last.info);
+        return;
+    }
+    g_messageHandler.load()(caption, text, style);
 }
 
 void RETrace(const char* format, ...) {

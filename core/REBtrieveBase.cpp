@@ -1,6 +1,7 @@
 #include "REBtrieveBase.h"
 
 #include "BTRCALL.h"
+#include "core/Messages.h"
 #include "core/Platform.h"
 
 #include <algorithm>
@@ -115,6 +116,7 @@ int REBtrieveBase::Open(const char* path) {
 }
 
 int16_t REBtrieveBase::Btrieve(uint16_t op, void* dataBuffer) {
+    _NoteCall(op, m_keyBuffer, static_cast<uint8_t>(m_keyLength));
     m_dataBufLenRet = static_cast<uint32_t>(std::max(m_dataBufLen, 0));
     return g_btrieveCall(op, m_posBlock, dataBuffer, &m_dataBufLenRet, m_keyBuffer, static_cast<uint8_t>(m_keyLength),
                    static_cast<int8_t>(m_keyNumber));
@@ -122,7 +124,17 @@ int16_t REBtrieveBase::Btrieve(uint16_t op, void* dataBuffer) {
 
 int16_t REBtrieveBase::Btrieve(uint16_t op, void* /*posBlock*/, void* dataBuffer, uint32_t* dataLength,
                                void* keyBuffer, uint8_t keyLength, int8_t keyNumber) {
+    _NoteCall(op, keyBuffer, keyLength);
     return g_btrieveCall(op, m_posBlock, dataBuffer, dataLength, keyBuffer, keyLength, keyNumber);
+}
+
+// Open and Create name their file in the key buffer; every other call concerns the open file.
+void REBtrieveBase::_NoteCall(uint16_t op, const void* keyBuffer, uint8_t keyLength) const {
+    constexpr unsigned kOpBase = 100;
+    if ((op % kOpBase == kOpOpen || op % kOpBase == kOpCreate) && keyBuffer != nullptr)
+        RENoteCall(op, static_cast<const char*>(keyBuffer), keyLength);
+    else
+        RENoteCall(op, m_fileName, sizeof m_fileName);
 }
 
 void REBtrieveBase::SetKeyBuffer(const void* key, const int& length) {

@@ -30,5 +30,5 @@ void REBtrieveBase::ShowStatusCodeMsg(const char* /*prefix*/, const int& code) {
         std::snprintf(text, sizeof text, "%s %s", "Btrieve Error :", row);
     else
         std::snprintf(text, sizeof text, "%s\nStatus Code = %d", "Unknown Btrieve Error :", code);
-    REShowMessage("", text, kStatusBoxStyle);
+    REShowMessage("", text, kStatusBoxStyle, 0, code);
 }

@@ -34,7 +34,7 @@ void ShowErrorMessage(unsigned int code) {
         std::snprintf(text, sizeof text, "%s", message);
     else
         std::snprintf(text, sizeof text, kUnknownMessage, static_cast<int>(code));
-    REShowMessage(kCaption, text, kStyle);
+    REShowMessage(kCaption, text, kStyle, code);
 }
 
 void ShowErrorMessage(unsigned int code, int n) {
@@ -51,7 +51,7 @@ void ShowErrorMessage(unsigned int code, int n) {
 #if defined(__GNUC__)
 #pragma GCC diagnostic pop
 #endif
-    REShowMessage(kCaption, text, kStyle);
+    REShowMessage(kCaption, text, kStyle, code, n);
 }
 
 int LoadBtrieveEngine(PROCESS_INFORMATION* info) {

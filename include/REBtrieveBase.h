@@ -162,6 +162,8 @@ public:
     int32_t m_isOpen;
 
 private:
+    // Notes the call and its file for the details of a failure report.
+    void _NoteCall(uint16_t op, const void* keyBuffer, uint8_t keyLength) const;
     // Issues Close through the long form with the object's key buffer, length and number.
     int16_t _CloseFile();
 };
