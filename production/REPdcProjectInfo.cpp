@@ -3,6 +3,7 @@
 #include "REPdcProjectInfo.h"
 
 #include "REErrorMessages.h"
+#include "REEstProjectInfo.h"
 #include "production/PdcDataFiles.h"
 #include "production/PdcProjectDirectory.h"
 
@@ -88,16 +89,8 @@ int REPdcProjectInfo::Empty() {
     return projectdir::DeleteEveryRecord(*this, &rec);
 }
 
-int REPdcProjectInfo::IsValidProjName(const char* name) {
-    if (name == nullptr || *name == '\0')
-        return 0;
-    for (; *name != '\0'; ++name) {
-        const char c = *name;
-        if (!((c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z')))
-            return 0;
-    }
-    return 1;
-}
+// The same rule as the estimating project's names.
+int REPdcProjectInfo::IsValidProjName(const char* name) { return REEstProjectInfo::IsValidProjName(name); }
 
 int REPdcProjectInfo::GetProjectDetail(PDCPROJINFORMATION* info, int lock) {
     TSLPRODUCTIONDATA rec{};

@@ -198,7 +198,7 @@ TEST_F(PdcDataFileTest, UpdateByRowComparesEveryFieldButTheTrailingBytes) {
 
     PDCDATATYPE rec;
     ASSERT_EQ(1, file.GetEqualMatch("B1", "p1", &rec));
-    EXPECT_EQ(5, rec.nValue53);
+    EXPECT_EQ(5, +rec.nValue53);
 
     // Letter case of the texts and the trailing bytes do not count.
     other = stored;
@@ -208,14 +208,14 @@ TEST_F(PdcDataFileTest, UpdateByRowComparesEveryFieldButTheTrailingBytes) {
     EXPECT_EQ(1, gIsEqual(&stored, &other));
     EXPECT_EQ(1, file.UpdateRecord(other, changed));
     ASSERT_EQ(1, file.GetEqualMatch("B1", "p1", &rec));
-    EXPECT_EQ(6, rec.nValue53);
+    EXPECT_EQ(6, +rec.nValue53);
 
     // By marks, nothing is compared.
     EXPECT_EQ(1, file.UpdateRecord("B1", "p1", &stored));
     EXPECT_EQ(0, file.UpdateRecord("B1", "p7", &stored));
     EXPECT_EQ(0, file.UpdateRecord("B1", "p1", static_cast<PDCDATATYPE*>(nullptr)));
     ASSERT_EQ(1, file.GetEqualMatch("B1", "p1", &rec));
-    EXPECT_EQ(5, rec.nValue53);
+    EXPECT_EQ(5, +rec.nValue53);
 }
 
 TEST_F(PdcDataFileTest, InitializeOnAnOpenFileOnlyClosesIt) {
@@ -272,15 +272,15 @@ TEST(PdcDataFileOldLayout, RowsAreConvertedOnEveryReadAndWritesPassTheCurrentRec
     EXPECT_STREQ("SEC", rec.szSecondMark);
     EXPECT_STREQ("a", rec.szMainOrAcc);
     EXPECT_STREQ("XY", rec.szPieceMark);
-    EXPECT_EQ(7, rec.nValue53);
-    EXPECT_EQ(-7, rec.nValue57);
+    EXPECT_EQ(7, +rec.nValue53);
+    EXPECT_EQ(-7, +rec.nValue57);
     EXPECT_STREQ("TEN CHARS!", rec.szText61);
     EXPECT_STREQ(" lead", rec.szText134);
     EXPECT_STREQ("", rec.szText72);
     ASSERT_EQ(1, file.GetNextRecord(&rec));
     EXPECT_STREQ("M", rec.szMainOrAcc);
-    EXPECT_EQ(-300, rec.nValue53);
-    EXPECT_EQ(300, rec.nValue57);
+    EXPECT_EQ(-300, +rec.nValue53);
+    EXPECT_EQ(300, +rec.nValue57);
 
     // Appended into a current file, old rows arrive converted.
     REPdcDataFile target;

@@ -120,17 +120,17 @@ TEST(PdcMarkFileOldLayout, EveryFieldIsConvertedOnRead) {
     EXPECT_STREQ("G", rec.szText65);
     EXPECT_STREQ("0123456789", rec.szText68);
     for (int i = 0; i < 7; ++i) {
-        EXPECT_EQ(i - 2.5f, rec.fMeasure79[i]) << i;
-        EXPECT_EQ(10.25 + i, rec.dMeasure153[i]) << i;
+        EXPECT_EQ(i - 2.5f, +rec.fMeasure79[i]) << i;
+        EXPECT_EQ(10.25 + i, +rec.dMeasure153[i]) << i;
     }
     EXPECT_STREQ("description", rec.szText107);
-    EXPECT_EQ(42.0f, rec.fMeasure133);
+    EXPECT_EQ(42.0f, +rec.fMeasure133);
     EXPECT_STREQ("fifteen chars!!", rec.szText137);
-    EXPECT_EQ(1.5, rec.dMeasure209[0]);
-    EXPECT_EQ(-2.0, rec.dMeasure209[1]);
-    EXPECT_EQ(3.0, rec.dMeasure225[0]);
-    EXPECT_EQ(5.0, rec.dMeasure225[2]);
-    EXPECT_EQ(0.125, rec.dMeasure249);
+    EXPECT_EQ(1.5, +rec.dMeasure209[0]);
+    EXPECT_EQ(-2.0, +rec.dMeasure209[1]);
+    EXPECT_EQ(3.0, +rec.dMeasure225[0]);
+    EXPECT_EQ(5.0, +rec.dMeasure225[2]);
+    EXPECT_EQ(0.125, +rec.dMeasure249);
     REPdcMarkFile::ResetPdcMarkRecArray(records);
     EXPECT_TRUE(records.empty());
 }
@@ -152,8 +152,8 @@ TEST(PdcLinkFile, KeylessFileIsReadInRecordOrder) {
     ASSERT_EQ(1, file.Initialize(path.c_str()));
     STAT_BUFFER stat{};
     ASSERT_EQ(1, file.GetStatus(&stat));
-    EXPECT_EQ(0, stat.numberOfKeys);
-    EXPECT_EQ(105, stat.recordLength);
+    EXPECT_EQ(0, +stat.numberOfKeys);
+    EXPECT_EQ(105, +stat.recordLength);
 
     for (int value : {3, 1, 2}) {
         PDCLINKFILETYPE rec = Link("Z", value);
@@ -162,17 +162,17 @@ TEST(PdcLinkFile, KeylessFileIsReadInRecordOrder) {
     std::vector<PDCLINKFILETYPE*> links;
     ASSERT_EQ(1, file.GetAllRecords(links));
     ASSERT_EQ(3u, links.size());
-    EXPECT_EQ(3, links[0]->nValue78);
-    EXPECT_EQ(2, links[2]->nValue78);
+    EXPECT_EQ(3, +links[0]->nValue78);
+    EXPECT_EQ(2, +links[2]->nValue78);
     EXPECT_STREQ("link 1", links[1]->szText62);
-    EXPECT_EQ(0xA0B0C0D0u, links[1]->nValue91);
+    EXPECT_EQ(0xA0B0C0D0u, +links[1]->nValue91);
     REPdcLinkFile::ResetPdcLinkRecArray(links);
 
     PDCLINKFILETYPE last;
     ASSERT_EQ(1, file.GetLastRecord(&last));
-    EXPECT_EQ(2, last.nValue78);
+    EXPECT_EQ(2, +last.nValue78);
     ASSERT_EQ(1, file.GetPreviousRecord(&last));
-    EXPECT_EQ(1, last.nValue78);
+    EXPECT_EQ(1, +last.nValue78);
     EXPECT_EQ(1, file.DeleteAllRecords());
     EXPECT_EQ(0, file.GetAllRecords(links));
 }
@@ -210,11 +210,11 @@ TEST(PdcLinkFileOldLayout, OldLinksAreConvertedOnReadAndAppend) {
     EXPECT_STREQ("C3", rec.szMark3);
     EXPECT_STREQ("tentenxten", rec.szText51);
     EXPECT_STREQ("fifteen", rec.szText62);
-    EXPECT_EQ(-2, rec.nValue78);
+    EXPECT_EQ(-2, +rec.nValue78);
     EXPECT_STREQ("eight ch", rec.szText82);
-    EXPECT_EQ(0x01020304u, rec.nValue91);
-    EXPECT_EQ(-32768, rec.nValue95);
-    EXPECT_EQ(77, rec.nValue99);
+    EXPECT_EQ(0x01020304u, +rec.nValue91);
+    EXPECT_EQ(-32768, +rec.nValue95);
+    EXPECT_EQ(77, +rec.nValue99);
     EXPECT_STREQ("Q", rec.szText103);
 
     const std::string current = dir.file("new.lnk");

@@ -209,12 +209,12 @@ TEST_F(PdcProjectInfoTest, SecondUserIsRefusedTheSameNameAndLockedJobsNameTheirH
     EXPECT_EQ("1", bob.request("save 3"));
     PROJECTLOCKINFO rec{};
     ASSERT_EQ(1, project.GetProjectLockFilePtr()->FindUser(me.c_str(), &rec));
-    EXPECT_EQ(1, rec.nUpdatePending);
-    EXPECT_EQ(3, rec.nUpdatedJobId);
+    EXPECT_EQ(1, +rec.nUpdatePending);
+    EXPECT_EQ(3, +rec.nUpdatedJobId);
     EXPECT_NE(nullptr, std::strstr(rec.szUpdatedBy, "bob"));
     EXPECT_EQ(2, project.GetNoOfJobs());
     ASSERT_EQ(1, project.GetProjectLockFilePtr()->FindUser(me.c_str(), &rec));
-    EXPECT_EQ(0, rec.nUpdatePending);
+    EXPECT_EQ(0, +rec.nUpdatePending);
 
     EXPECT_EQ("1", bob.request("close"));
     EXPECT_EQ(0, bob.finish());
