@@ -134,7 +134,7 @@ int RERecordFileEngine::_Write(uint16_t op, const void* rec) {
     if (rec == nullptr)
         return 0;
     void* buffer = const_cast<void*>(rec);
-    if (m_isOldFormat && m_spec->toOld != nullptr) {
+    if (m_isOldFormat && m_spec->toOld != nullptr && !m_spec->writeUnconverted) {
         m_spec->toOld(rec, _Scratch());
         buffer = _Scratch();
     }

@@ -194,6 +194,9 @@ struct RERecordFileSpec {
     bool reportGetEqualMiss = false;
     // Initialize on an open object closes it and returns 0 without opening again.
     bool initializeOnOpenCloses = false;
+    // Inserts and updates pass the caller's current-layout record as it is, also to an
+    // old-layout file (whose record length cuts it), instead of converting it first.
+    bool writeUnconverted = false;
 
     // Trace text of AddRecord when the duplicate search finds the record; null: none.
     const char* duplicateTrace = nullptr;
