@@ -104,7 +104,7 @@ TEST_F(MaintFileTest, SearchesInBothLayouts) {
         EXPECT_EQ(0, file._CheckRecord("", "", -1.0f, &rec));
         EXPECT_STREQ("ZMILL ANGLE", rec.szItem);
         EXPECT_EQ(1, file.m_searchActive);
-        EXPECT_EQ(7, rec.groupB.nValue40[5]);
+        EXPECT_EQ(7, int32_t{rec.groupB.nValue40[5]});
         EXPECT_STREQ("group C", rec.groupC.szText18);
 
         EXPECT_EQ(1, file.GetFirstMatch("GRADES", "DEFAULT", 2.0f, &rec));
