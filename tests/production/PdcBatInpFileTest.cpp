@@ -51,7 +51,7 @@ TEST_F(PdcBatInpTest, LinesOfOneBatch) {
 
     PDCBILABFILETYPE found;
     EXPECT_EQ(1, labor.GetExactMatch(2, &found));
-    EXPECT_EQ(21, found.nValue4);
+    EXPECT_EQ(21, +found.nValue4);
     EXPECT_EQ(0, labor.GetExactMatch(9, &found));
 }
 
@@ -99,7 +99,7 @@ TEST_F(PdcFileTest, BatchHeadersAreUniqueAndUpdatedByNumber) {
     EXPECT_EQ(0, headers.UpdateRecord(6, changed));
     PDCBIDFILETYPE found;
     ASSERT_EQ(1, headers.GetExactMatch(5, &found));
-    EXPECT_EQ(42, found.nValue5);
+    EXPECT_EQ(42, +found.nValue5);
     EXPECT_STREQ("M1", found.sMark18);
 
     REPdcBatInpPieceDataFile pieces;

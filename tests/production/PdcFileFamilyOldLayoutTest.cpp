@@ -93,7 +93,7 @@ TEST_F(PdcOldLayoutTest, SequenceNumbersAreSignExtendedAndMarksSqueezed) {
     ASSERT_EQ(1u, records.size());
     EXPECT_STREQ("B12", records[0].sFirstName);
     EXPECT_STREQ("S1 A", records[0].sSecondName);
-    EXPECT_EQ(-2, records[0].nNumber);
+    EXPECT_EQ(-2, +records[0].nNumber);
 }
 
 TEST_F(PdcOldLayoutTest, PayCategoryRatesAreWidened) {
@@ -114,8 +114,8 @@ TEST_F(PdcOldLayoutTest, PayCategoryRatesAreWidened) {
     ASSERT_EQ(1u, records.size());
     EXPECT_STREQ("WELD", records[0].sPayCatCode);
     EXPECT_STREQ("Welding  shop", records[0].sDescription);
-    EXPECT_EQ(21.25, records[0].dRate1);
-    EXPECT_EQ(-0.5, records[0].dRate2);
+    EXPECT_EQ(21.25, +records[0].dRate1);
+    EXPECT_EQ(-0.5, +records[0].dRate2);
 }
 
 TEST_F(PdcOldLayoutTest, TrackingRecordsConvertNumbersMarksDatesAndSizeKey) {
@@ -138,13 +138,13 @@ TEST_F(PdcOldLayoutTest, TrackingRecordsConvertNumbersMarksDatesAndSizeKey) {
     const auto records = readAll<REPdcTrackingDataFile>(path);
     ASSERT_EQ(1u, records.size());
     const PDCTRACKFILETYPE& rec = records[0];
-    EXPECT_EQ(-2, rec.nValue0);
+    EXPECT_EQ(-2, +rec.nValue0);
     EXPECT_STREQ("ST01", rec.sText4);
     EXPECT_STREQ("B12", rec.sMark13);
     EXPECT_STREQ("A7", rec.sMark30);
-    EXPECT_EQ(Date("960105"), rec.dDate47);
-    EXPECT_NE(0.0, rec.dDate47);
-    EXPECT_EQ(300, rec.nValue55);
+    EXPECT_EQ(Date("960105"), +rec.dDate47);
+    EXPECT_NE(0.0, +rec.dDate47);
+    EXPECT_EQ(300, +rec.nValue55);
     SIZEDATKEYREC sizeKey;
     gConvertSizeKeyRecToNewFormat(&old.sizeKey, &sizeKey);
     EXPECT_EQ(0, std::memcmp(&sizeKey, &rec.sizeKey, sizeof sizeKey));
@@ -164,9 +164,9 @@ TEST_F(PdcOldLayoutTest, LaborTrackingAndStationLoadDatesFromTextOfEitherForm) {
     PutOld(labor.sText30, "FIT");
     const auto tracked = readAll<REPdcTrackingLaborDataFile>(writeOld<OLD_PDCTRACKLABORFILETYPE>("labor.dat", {labor}));
     ASSERT_EQ(1u, tracked.size());
-    EXPECT_EQ(Date("960105"), tracked[0].dDate34);
-    EXPECT_EQ(-1, tracked[0].nValue42);
-    EXPECT_EQ(32767, tracked[0].nValue46);
+    EXPECT_EQ(Date("960105"), +tracked[0].dDate34);
+    EXPECT_EQ(-1, +tracked[0].nValue42);
+    EXPECT_EQ(32767, +tracked[0].nValue46);
     EXPECT_STREQ("FIT", tracked[0].sText30);
 
     // The station load file has no key; a date too short to read stays 0.
@@ -183,9 +183,9 @@ TEST_F(PdcOldLayoutTest, LaborTrackingAndStationLoadDatesFromTextOfEitherForm) {
     }
     const auto loads = readAll<REPdcStationLoadDataFile>(path);
     ASSERT_EQ(1u, loads.size());
-    EXPECT_EQ(-7, loads[0].nValue0);
+    EXPECT_EQ(-7, +loads[0].nValue0);
     EXPECT_STREQ("LOAD", loads[0].sText41);
-    EXPECT_EQ(0.0, loads[0].dDate60);
+    EXPECT_EQ(0.0, +loads[0].dDate60);
 }
 
 TEST_F(PdcOldLayoutTest, BatchHeaderTextsAreTrimmedOnBothSides) {
@@ -200,13 +200,13 @@ TEST_F(PdcOldLayoutTest, BatchHeaderTextsAreTrimmedOnBothSides) {
     old.dValue47 = 2.5f;
     const auto records = readAll<REPdcBatInpDataFile>(writeOld<OLD_PDCBIDFILETYPE>("bid.dat", {old}));
     ASSERT_EQ(1u, records.size());
-    EXPECT_EQ(-3, records[0].nBatchNo);
-    EXPECT_EQ(0xAB, records[0].nByte4);
-    EXPECT_EQ(12, records[0].nValue5);
+    EXPECT_EQ(-3, +records[0].nBatchNo);
+    EXPECT_EQ(0xAB, +records[0].nByte4);
+    EXPECT_EQ(12, +records[0].nValue5);
     EXPECT_EQ("A B", std::string(records[0].sText9, strnlen(records[0].sText9, 9)));
     EXPECT_EQ("X", std::string(records[0].sText35, strnlen(records[0].sText35, 4)));
-    EXPECT_EQ(Date("960105"), records[0].dDate39);
-    EXPECT_EQ(2.5, records[0].dValue47);
+    EXPECT_EQ(Date("960105"), +records[0].dDate39);
+    EXPECT_EQ(2.5, +records[0].dValue47);
 }
 
 TEST_F(PdcOldLayoutTest, BatchLineTextsAreJoinedFromTrimmedParts) {
@@ -223,7 +223,7 @@ TEST_F(PdcOldLayoutTest, BatchLineTextsAreJoinedFromTrimmedParts) {
         readAll<REPdcBatInpLaborDataFile>(writeOld<OLD_PDCBILABFILETYPE>("lab.dat", {labor, full}, 0x0103 | 1));
     ASSERT_EQ(2u, lines.size());
     EXPECT_STREQ("CUTWELD", lines[0].sText12);
-    EXPECT_EQ(-9, lines[0].nValue43);
+    EXPECT_EQ(-9, +lines[0].nValue43);
     // Three full parts are cut to what the field holds with its terminator.
     EXPECT_EQ(std::string(30, 'Z'), lines[1].sText12);
 
@@ -239,7 +239,7 @@ TEST_F(PdcOldLayoutTest, BatchLineTextsAreJoinedFromTrimmedParts) {
     ASSERT_EQ(1u, pieces.size());
     EXPECT_STREQ("", pieces[0].sMark4);
     EXPECT_STREQ("B12", pieces[0].sMark21);
-    EXPECT_EQ(-40, pieces[0].nValue38);
+    EXPECT_EQ(-40, +pieces[0].nValue38);
     EXPECT_STREQ("A BCD", pieces[0].sText59);
 }
 

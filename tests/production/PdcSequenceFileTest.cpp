@@ -40,7 +40,7 @@ protected:
 TEST_F(PdcSequenceTest, SearchRecordMatchesThePairExactly) {
     PDCSEQDATATYPE found;
     EXPECT_EQ(1, file.SearchRecord("S1", "B", &found));
-    EXPECT_EQ(2, found.nNumber);
+    EXPECT_EQ(2, +found.nNumber);
     EXPECT_EQ(0, file.SearchRecord("S1", "A", &found));  // only s1/A is stored
     EXPECT_EQ(0, file.SearchRecord("S1", "", nullptr));
     EXPECT_EQ(1, file.SearchRecord("s1", "A", nullptr));
@@ -48,7 +48,7 @@ TEST_F(PdcSequenceTest, SearchRecordMatchesThePairExactly) {
     EXPECT_EQ(0, file.SearchRecord("S9", "A", &found));
     EXPECT_STREQ("s1", found.sFirstName);
     EXPECT_EQ(0, file.SearchRecord("v", "A", &found));
-    EXPECT_EQ(0, found.nNumber);
+    EXPECT_EQ(0, +found.nNumber);
 }
 
 TEST_F(PdcSequenceTest, SelectionsByFirstNameIgnoreCase) {
@@ -65,7 +65,7 @@ TEST_F(PdcSequenceTest, SelectionsByFirstNameIgnoreCase) {
 
     PDCSEQDATATYPE rec;
     EXPECT_EQ(1, file._GetEqualMatch("u2", &rec));
-    EXPECT_EQ(3, rec.nNumber);
+    EXPECT_EQ(3, +rec.nNumber);
     EXPECT_EQ(0, file._GetEqualMatch("U2", &rec));
 
     EXPECT_EQ(1, file.DeleteAllSelectedRecords("S1"));

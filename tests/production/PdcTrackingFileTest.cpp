@@ -48,7 +48,7 @@ TEST_F(PdcFileTest, TrackingLooksUpAndUpdatesByNumberOnKeyOne) {
     PDCTRACKFILETYPE changed = Track(2, "B", 99);
     EXPECT_EQ(1, file.UpdateRecord(&key, &changed));
     ASSERT_EQ(1, file.GetEqualRecord(&key, &found));
-    EXPECT_EQ(99, found.nValue55);
+    EXPECT_EQ(99, +found.nValue55);
 
     testsupport::MessageCapture messages;
     PDCTRACKFILETYPE missing = Track(3, "B", 0), other = Track(3, "B", 1);
@@ -59,8 +59,8 @@ TEST_F(PdcFileTest, TrackingLooksUpAndUpdatesByNumberOnKeyOne) {
     file.SetKeyNumber(0);
     ASSERT_EQ(1, file.GetAllRecords(all));
     ASSERT_EQ(2u, all.size());
-    EXPECT_EQ(10, all[0]->nValue55);
-    EXPECT_EQ(99, all[1]->nValue55);
+    EXPECT_EQ(10, +all[0]->nValue55);
+    EXPECT_EQ(99, +all[1]->nValue55);
     REPdcTrackingDataFile::ResetPdcTrackingDataRecArray(all);
 
     // A failure of the look-up itself shows nothing either.
