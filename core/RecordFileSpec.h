@@ -65,6 +65,9 @@ struct RECreateSpec {
     std::span<const REKeySegment> segments;
     // Bytes passed with the Create; 0 means the block itself (16 + 16 per segment).
     uint32_t dataLength = 0;
+    // Keys the block declares; 0: one per key the segments end. A smaller count leaves the
+    // later segment descriptions in the block unused, as some files are created.
+    uint16_t keyCount = 0;
 };
 
 // Number of keys a segment table describes: each key ends at a segment without kKeySegmented.
@@ -121,7 +124,7 @@ inline std::vector<uint8_t> REEncodeCreateBlock(const RECreateSpec& spec) {
     };
     put16(0, spec.recordLength);
     put16(2, spec.pageSize);
-    put16(4, REKeyCount(spec.segments));
+    put16(4, spec.keyCount != 0 ? spec.keyCount : REKeyCount(spec.segments));
     put16(10, spec.fileFlags);
     for (size_t i = 0; i < spec.segments.size(); ++i) {
         const REKeySegment& s = spec.segments[i];
