@@ -49,7 +49,7 @@ TEST_F(PdcBatInpTest, LinesOfOneBatch) {
     EXPECT_EQ(1, labor.GetAllRecords(9, lines));  // no lines: the array as it was
     EXPECT_EQ((std::vector<int>{7}), Values(lines));
 
-    PDCBILABFILETYPE found;
+    PDCBILABFILETYPE found{};
     EXPECT_EQ(1, labor.GetExactMatch(2, &found));
     EXPECT_EQ(21, +found.nValue4);
     EXPECT_EQ(0, labor.GetExactMatch(9, &found));

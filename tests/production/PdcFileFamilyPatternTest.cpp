@@ -88,7 +88,7 @@ struct PayCategoryTraits : PdcPatternTraits<REPdcPayCategoryDataFile, PDCPAYCATD
         "Unknown error to create PDC pay category data database file. [Error# %d]";
     static Record Sample(int key, int content = 0) {
         Record rec{};
-        std::snprintf(rec.sPayCatCode, sizeof rec.sPayCatCode, "P%05d", key);
+        std::snprintf(rec.sPayCatCode, sizeof rec.sPayCatCode, "P%05u", static_cast<unsigned>(key) % 100000u);
         std::snprintf(rec.sDescription, sizeof rec.sDescription, "pay %d", content);
         rec.dRate1 = 12.5 + content;
         rec.dRate2 = 18.75;
