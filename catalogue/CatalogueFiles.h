@@ -16,19 +16,3 @@ bool REEqualNoCase(const char* a, const char* b);
 // A refused Create gives 1 (the callers have always treated it so); an empty source or a refused
 // insert gives 0; 1 after the last record.
 int RECloneFile(REBtrieveBase& source, const char* path, uint32_t createLength);
-
-// Positional reads in stored order (the Step operations), on key 0.
-constexpr void REUseStepReads(RERecordFileSpec& spec) {
-    spec.first = {REBtrieveBase::kOpStepFirst, 0};
-    spec.last = {REBtrieveBase::kOpStepLast, 0};
-    spec.next = {REBtrieveBase::kOpStepNext, 0};
-    spec.previous = {REBtrieveBase::kOpStepPrevious, 0};
-}
-
-// Positional reads in the order of whichever key the last call used.
-constexpr void REUseCurrentKeyReads(RERecordFileSpec& spec) {
-    spec.first.keyNumber = REPositionalRead::kCurrentKey;
-    spec.last.keyNumber = REPositionalRead::kCurrentKey;
-    spec.next.keyNumber = REPositionalRead::kCurrentKey;
-    spec.previous.keyNumber = REPositionalRead::kCurrentKey;
-}

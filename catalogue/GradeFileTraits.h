@@ -30,6 +30,6 @@ struct GradeFileTraits {
     static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), sizeof(OldRecord)};
     static constexpr void Customize(RERecordFileSpec& spec) {
         spec.duplicateTrace = "Same record present in the database; UPDATE possible not ADDITION.\n";
-        REUseStepReads(spec);
+        REReadInStoredOrder(spec);
     }
 };

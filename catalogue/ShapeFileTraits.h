@@ -49,6 +49,6 @@ struct ShapeFileTraits {
     static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), sizeof(OldRecord)};
     static constexpr void Customize(RERecordFileSpec& spec) {
         spec.keepOpenOnCorrupt = true;
-        REUseCurrentKeyReads(spec);
+        REReadOnCurrentKey(spec);
     }
 };

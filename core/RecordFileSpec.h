@@ -158,6 +158,12 @@ struct REConverter<F> {
     }
 };
 
+struct RERecordFileSpec;
+// Positional reads (first, last, next, previous) on whichever key the last call used.
+constexpr void REReadOnCurrentKey(RERecordFileSpec& spec);
+// Positional reads in stored order (the Step operations).
+constexpr void REReadInStoredOrder(RERecordFileSpec& spec);
+
 struct RERecordFileSpec {
     // Class name for the debug traces ("REJobFile::_CopyRecords: ...").
     const char* className = "";
@@ -236,6 +242,18 @@ constexpr bool REStatusIsReported(unsigned op, int16_t status, bool reportGetEqu
             return false;
     }
     return true;
+}
+
+constexpr void REReadOnCurrentKey(RERecordFileSpec& spec) {
+    for (REPositionalRead* read : {&spec.first, &spec.last, &spec.next, &spec.previous})
+        read->keyNumber = REPositionalRead::kCurrentKey;
+}
+
+constexpr void REReadInStoredOrder(RERecordFileSpec& spec) {
+    spec.first = {REBtrieveBase::kOpStepFirst, 0};
+    spec.last = {REBtrieveBase::kOpStepLast, 0};
+    spec.next = {REBtrieveBase::kOpStepNext, 0};
+    spec.previous = {REBtrieveBase::kOpStepPrevious, 0};
 }
 
 // A class's messages: wrong record length at open, record-manager failure, Create failure.

@@ -52,6 +52,6 @@ struct MaintFileTraits {
         // Created through the object itself, with 128 bytes passed.
         spec.createOnSelf = true;
         spec.create.dataLength = 128;
-        REUseStepReads(spec);
+        REReadInStoredOrder(spec);
     }
 };

@@ -25,6 +25,6 @@ struct ReportFileTraits {
     static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), 0};
     static constexpr void Customize(RERecordFileSpec& spec) {
         spec.create.dataLength = 176;
-        REUseCurrentKeyReads(spec);
+        REReadOnCurrentKey(spec);
     }
 };

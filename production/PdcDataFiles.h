@@ -13,18 +13,10 @@ constexpr REMessageCodes REPdcMessages(unsigned open, unsigned create, unsigned 
     return REMessageCodes{.corrupt = open, .unknownError = read, .create = create};
 }
 
-// Positional reads (first, last, next, previous) keep whichever key the file is on.
-constexpr void REPdcReadOnCurrentKey(RERecordFileSpec& spec) {
-    spec.first.keyNumber = REPositionalRead::kCurrentKey;
-    spec.last.keyNumber = REPositionalRead::kCurrentKey;
-    spec.next.keyNumber = REPositionalRead::kCurrentKey;
-    spec.previous.keyNumber = REPositionalRead::kCurrentKey;
-}
-
 // The piece, mark and link files: reads on the current key, and Initialize of an open object
 // only closes it.
 constexpr void REPdcPieceFileSwitches(RERecordFileSpec& spec) {
-    REPdcReadOnCurrentKey(spec);
+    REReadOnCurrentKey(spec);
     spec.initializeOnOpenCloses = true;
 }
 

@@ -24,12 +24,7 @@ constexpr uint16_t kPdcDupLastSegment = kKeyLastSegment | kKeyDuplicates;
 // The traits every production file derives from.
 struct PdcFileTraits {
     // First, last, next and previous read on whichever key the last search selected.
-    static constexpr void Customize(RERecordFileSpec& spec) {
-        spec.first.keyNumber = REPositionalRead::kCurrentKey;
-        spec.last.keyNumber = REPositionalRead::kCurrentKey;
-        spec.next.keyNumber = REPositionalRead::kCurrentKey;
-        spec.previous.keyNumber = REPositionalRead::kCurrentKey;
-    }
+    static constexpr void Customize(RERecordFileSpec& spec) { REReadOnCurrentKey(spec); }
 };
 
 // The field table of a production record: converted toward the current layout on every read,
