@@ -66,7 +66,7 @@ public:
     int GetXistingLabCodeGrps(std::vector<std::string>& names);
     // The group's factors of the type (Weight: "W", any other: "Q") in ascending step value;
     // 1 when there is one.
-    int GetFactorsWRTLabCodeGrp(int factorType, const char* name, std::list<LABORMULTFACTORRECORD*>& list);
+    int GetFactorsWRTLabCodeGrp(FactorType factorType, const char* name, std::list<LABORMULTFACTORRECORD*>& list);
 
     // Adds each record in order; 0 at the first failure. The list stays the caller's.
     int AddRecords(std::list<LABORMULTFACTORRECORD*>& list);

@@ -94,7 +94,7 @@ int RELaborMultFactorFile::GetXistingLabCodeGrps(std::vector<std::string>& names
     return names.empty() ? 0 : 1;
 }
 
-int RELaborMultFactorFile::GetFactorsWRTLabCodeGrp(int factorType, const char* name,
+int RELaborMultFactorFile::GetFactorsWRTLabCodeGrp(FactorType factorType, const char* name,
                                                    std::list<LABORMULTFACTORRECORD*>& list) {
     const char* type = factorType == Weight ? LaborMultFactorTraits::kWeightType : LaborMultFactorTraits::kQuantityType;
     LABORMULTFACTORRECORD rec;

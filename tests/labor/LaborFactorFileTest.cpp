@@ -73,7 +73,7 @@ protected:
             }
         }
     }
-    std::string factors(int type, const char* group) {
+    std::string factors(RELaborMultFactorFile::FactorType type, const char* group) {
         std::list<LABORMULTFACTORRECORD*> list;
         const int found = file.GetFactorsWRTLabCodeGrp(type, group, list);
         EXPECT_EQ(list.empty() ? 0 : 1, found);
@@ -92,7 +92,7 @@ TEST_P(LaborFactorLayouts, FactorTablesComeInAscendingStepValue) {
     EXPECT_EQ("QA:50 ", factors(RELaborMultFactorFile::Quantity, "A"));
     EXPECT_EQ("WB:100 ", factors(RELaborMultFactorFile::Weight, "B"));
     EXPECT_EQ("", factors(RELaborMultFactorFile::Quantity, "B"));
-    EXPECT_EQ("QC:7 ", factors(7, "C"));  // any type but Weight reads "Q"
+    EXPECT_EQ("QC:7 ", factors(RELaborMultFactorFile::Quantity, "C"));
 }
 
 TEST_P(LaborFactorLayouts, AnEqualStepValueNeverMatches) {
