@@ -1,0 +1,27 @@
+// REEstMultLongFile: the estimate's long multiplier table, unkeyed 186-byte records read and
+// rewritten whole.
+#pragma once
+
+#include "detail/REWorkFile.h"
+#include "tarsel_export.h"
+
+#include <cstdint>
+
+#pragma pack(push, 1)
+struct MULTLONGRECORD {
+    uint8_t data[186];  // the estimating screens' table row, copied whole
+};
+#pragma pack(pop)
+
+static_assert(sizeof(MULTLONGRECORD) == 186);
+
+class TARSEL_API REEstMultLongFile : public REWorkFile<REEstMultLongFile, MULTLONGRECORD> {
+public:
+    REEstMultLongFile();
+
+    // DeleteAllRecord gives 1 when its walk reached the end of the file.
+    static constexpr int16_t kDeleteAllDone = kStatusEndOfFile;
+
+private:
+    static const RERecordFileSpec kSpec;
+};

@@ -1,0 +1,6 @@
+// The estimate's long multiplier table: its specification on the work-file shape.
+#include "labor/MultiplierTraits.h"
+
+const RERecordFileSpec REEstMultLongFile::kSpec = REMakeSpec<EstMultLongTraits, REEstMultLongFile>();
+
+REEstMultLongFile::REEstMultLongFile() : REWorkFile(kSpec) {}
