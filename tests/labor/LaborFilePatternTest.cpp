@@ -24,7 +24,7 @@ struct LaborCodePattern {
     static Record Sample(int key, int content = 0) {
         Record rec{};
         std::snprintf(rec.sGroupName, sizeof rec.sGroupName, "G");
-        std::snprintf(rec.sSubCode, sizeof rec.sSubCode, "S%04d", key);
+        std::snprintf(rec.sSubCode, sizeof rec.sSubCode, "S%04u", static_cast<unsigned>(key) % 10000u);
         std::snprintf(rec.sDescription, sizeof rec.sDescription, "description %d", content);
         rec.nTable2[99] = static_cast<int16_t>(content);
         return rec;

@@ -18,7 +18,7 @@ namespace {
 
 tagTAXRECORD Tax(const char* code, int content = 0) {
     tagTAXRECORD rec{};
-    std::snprintf(rec.szTaxCode, sizeof rec.szTaxCode, "%s", code);
+    std::memcpy(rec.szTaxCode, code, strnlen(code, sizeof rec.szTaxCode - 1));
     std::snprintf(reinterpret_cast<char*>(rec.taxData), sizeof rec.taxData, "rate %d", content);
     return rec;
 }
