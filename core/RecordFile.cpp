@@ -130,15 +130,19 @@ int RERecordFileEngine::_GetEqualMatch(const char* key, void* rec) {
     return 1;
 }
 
-int RERecordFileEngine::_Write(uint16_t op, const void* rec) {
+int16_t RERecordFileEngine::_WriteStatus(uint16_t op, const void* rec) {
     if (rec == nullptr)
-        return 0;
-    void* buffer = const_cast<void*>(rec);
+        return kStatusInvalidOperation;
+    void* buffer = const_cast<void*>(rec);  // the record manager reads a written record only
     if (m_isOldFormat && m_spec->toOld != nullptr && !m_spec->writeUnconverted) {
         m_spec->toOld(rec, _Scratch());
         buffer = _Scratch();
     }
-    return _Judge(op, Btrieve(op, buffer));
+    return Btrieve(op, buffer);
+}
+
+int RERecordFileEngine::_Write(uint16_t op, const void* rec) {
+    return rec != nullptr ? _Judge(op, _WriteStatus(op, rec)) : 0;
 }
 
 int RERecordFileEngine::_AddRecord(const void* rec) {

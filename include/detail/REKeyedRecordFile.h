@@ -65,15 +65,5 @@ public:
     using Base::_UpdateCurrent;
 
     // Writes `rec` with `op` (converted when the file is old) and returns the status as it is.
-    int16_t _WriteStatus(uint16_t op, const Record& rec) {
-        if constexpr (!std::is_void_v<OldRecord>) {
-            if (this->m_isOldFormat) {
-                OldRecord old;
-                Derived::_ConvertToOldRecordFormat(&rec, &old);
-                return this->Btrieve(op, &old);
-            }
-        }
-        Record copy = rec;
-        return this->Btrieve(op, &copy);
-    }
+    int16_t _WriteStatus(uint16_t op, const Record& rec) { return RERecordFileEngine::_WriteStatus(op, &rec); }
 };

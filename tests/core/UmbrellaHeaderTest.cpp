@@ -11,3 +11,15 @@ TEST(UmbrellaHeader, DeclaresEverySubsystem) {
     REJobFile jobs;
     EXPECT_EQ(jobs.IsOpen(), 0);
 }
+
+// Two classes of each subsystem added since, named through the umbrella header alone.
+TEST(UmbrellaHeader, DeclaresTheCatalogueLaborAndProductionFiles) {
+    REShapeFile shapes;
+    REGradeFile grades;
+    RELaborCodeFile laborCodes;
+    RETaxFile taxes;
+    REPdcDataFile pieces;
+    REPdcTrackingDataFile tracking;
+    EXPECT_EQ(0, shapes.IsOpen() + grades.IsOpen() + laborCodes.IsOpen() + taxes.IsOpen() + pieces.IsOpen() +
+                     tracking.IsOpen());
+}
