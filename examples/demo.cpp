@@ -1,11 +1,23 @@
 // A walk through the library: a record-manager file used directly, then an estimating project
-// shared by two users in two processes, with job locks, change notices and a job's item lines.
+// shared by two users in two processes, with job locks, change notices and a job's item lines,
+// then a production job on the shop floor: pieces and marks, a route through two stations,
+// tracking with a labor line, a batch, and the job read back.
 // Everything happens in a temporary directory that is removed at the end.
 #include "BTRCALL.h"
 #include "REBtrieveBase.h"
 #include "REEstProjectInfo.h"
 #include "REJobFile.h"
 #include "REMessageHandler.h"
+#include "REPdcBatInpDataFile.h"
+#include "REPdcBatInpLaborDataFile.h"
+#include "REPdcDataFile.h"
+#include "REPdcMarkFile.h"
+#include "REPdcProjectInfo.h"
+#include "REPdcRouteDataFile.h"
+#include "REPdcRouteInfoFile.h"
+#include "REPdcStationDataFile.h"
+#include "REPdcTrackingDataFile.h"
+#include "REPdcTrackingLaborDataFile.h"
 #include "REProjectLock.h"
 #include "RESharedHelpers.h"
 
@@ -355,6 +367,147 @@ void ProjectWalk(const fs::path& dir) {
     DeallocatePtrArray(users);
 }
 
+
+// Creates a production file through its class and opens it.
+template <class File>
+bool CreateAndOpen(File& file, const fs::path& path, const char* what) {
+    return Check(file.CreateNewFile(path.string().c_str()) == 1 && file.Initialize(path.string().c_str()) == 1, what);
+}
+
+PDCDATATYPE PieceRow(const char* mainMark, const char* flag, const char* pieceMark, int quantity) {
+    PDCDATATYPE row{};
+    SetText(row.szMainMark, mainMark);
+    SetText(row.szMainOrAcc, flag);
+    SetText(row.szPieceMark, pieceMark);
+    row.nValue53 = quantity;
+    return row;
+}
+
+void ProductionWalk(const fs::path& dir) {
+    Say("\n3. A production job on the shop floor\n");
+    const std::string projectPath = (dir / "TOWER.RDP").string();
+    REPdcProjectInfo foreman("foreman");
+    if (!Check(foreman.CreateNewFile(projectPath.c_str()) == 1 && foreman.Initialize(projectPath) == 1,
+               "create and open the production project"))
+        return;
+    PDCPROJINFORMATION info{};
+    SetText(info.szProjName, "Tower7");
+    Check(foreman.AddProjectDetail(info) == 1, "add the production project record");
+    PDCJOBDETAIL detail{};
+    SetText(detail.szJobName, "columns");
+    long job = 0;
+    Check(foreman.AddJob(job, detail) == 1 && foreman.LockJob(job) == 1, "add and lock a production job");
+    Say("   the foreman creates TOWER.RDP (lock file TOWER.RPK beside it), adds job %ld \"columns\" and locks it\n",
+        job);
+
+    REPdcDataFile pieces;
+    REPdcMarkFile marks;
+    if (!CreateAndOpen(pieces, dir / "PIECES.DAT", "create the piece file") ||
+        !CreateAndOpen(marks, dir / "MARKS.DAT", "create the mark file"))
+        return;
+    PDCDATATYPE rows[] = {PieceRow("C1", "M", "", 2), PieceRow("C1", "a", "p1", 2), PieceRow("C1", "a", "p2", 4)};
+    for (PDCDATATYPE& row : rows)
+        Check(pieces.AddRecord(row) == 1, "add a piece row");
+    PDCMARKDATATYPE mark{};
+    SetText(mark.szMark, "C1");
+    SetText(mark.szMainOrAcc, "M");
+    SetText(mark.szText107, "W12X26 column");
+    mark.dMeasure153[0] = 14.5;
+    Check(marks.AddRecord(mark) == 1, "add the main mark");
+    std::vector<std::string> pieceRows;
+    pieces.GetAllPcMarks("C1", pieceRows);
+    Say("   main mark C1 (\"%s\") gets accessory pieces p1 and p2: %zu rows under C1\n", mark.szText107,
+        pieceRows.size());
+
+    REPdcStationDataFile stations;
+    REPdcRouteInfoFile routes;
+    REPdcRouteDataFile routeStations;
+    if (!CreateAndOpen(stations, dir / "STATIONS.DAT", "create the station file") ||
+        !CreateAndOpen(routes, dir / "ROUTES.DAT", "create the route file") ||
+        !CreateAndOpen(routeStations, dir / "ROUTESTN.DAT", "create the route station file"))
+        return;
+    const std::pair<int, const char*> shop[] = {{10, "SAW"}, {20, "WELD"}};
+    for (const auto& [number, name] : shop) {
+        PDCSTATIONDATATYPE station{};
+        station.nStnNo = number;
+        SetText(station.sStnName, name);
+        Check(stations.AddNewRecord(station) == 1, "add a station");
+        PDCROUTEDATATYPE step{};
+        SetText(step.sRouteName, "R1");
+        step.nStnNo = number;
+        Check(routeStations.AddNewRecord(step) == 1, "add a station to the route");
+    }
+    PDCROUTEINFODATATYPE route{};
+    SetText(route.sRouteName, "R1");
+    SetText(route.sDescription, "saw then weld");
+    Check(routes.AddNewRecord(route) == 1, "add the route");
+    std::vector<unsigned int> path;
+    routeStations.GetStationNoArrayWRTRoute("R1", path);
+    Check(path.size() == 2, "the route passes two stations");
+    Say("   route R1 (\"saw then weld\") takes pieces through %zu stations: %u SAW, %u WELD\n", path.size(),
+        path.size() > 0 ? path[0] : 0, path.size() > 1 ? path[1] : 0);
+
+    REPdcTrackingDataFile tracking;
+    REPdcTrackingLaborDataFile labor;
+    if (!CreateAndOpen(tracking, dir / "TRACK.DAT", "create the tracking file") ||
+        !CreateAndOpen(labor, dir / "TRACKLAB.DAT", "create the labor tracking file"))
+        return;
+    for (const auto& [number, name] : shop) {
+        PDCTRACKFILETYPE done{};
+        done.nValue0 = number;
+        SetText(done.sText4, name);
+        SetText(done.sMark13, "C1");
+        SetText(done.sMark30, "C1");
+        done.dDate47 = 46350.0 + number / 10;
+        SetText(done.sizeKey.szShape, "W");
+        SetText(done.sizeKey.szDimText, "12X26");
+        done.sizeKey.fDim1 = 14.5f;
+        Check(tracking.AddNewRecord(done) == 1, "track the piece at a station");
+    }
+    PDCTRACKLABORFILETYPE hours{};
+    hours.nValue0 = 20;
+    SetText(hours.sText4, "WELD");
+    SetText(hours.sMark13, "C1");
+    SetText(hours.sText30, "JD");
+    hours.nValue42 = 3;
+    Check(labor.AddNewRecord(hours) == 1, "add a labor line");
+    Say("   C1 is tracked at SAW and WELD, and welder JD books a labor line of %d hours\n", hours.nValue42);
+
+    REPdcBatInpDataFile batches;
+    REPdcBatInpLaborDataFile batchLabor;
+    if (!CreateAndOpen(batches, dir / "BATCH.DAT", "create the batch file") ||
+        !CreateAndOpen(batchLabor, dir / "BATCHLAB.DAT", "create the batch labor file"))
+        return;
+    PDCBIDFILETYPE batch{};
+    batch.nBatchNo = 1;
+    SetText(batch.sMark18, "C1");
+    PDCBILABFILETYPE line{};
+    line.nBatchNo = 1;
+    line.nValue4 = 20;
+    SetText(line.sText12, "WELD");
+    Check(batches.AddRecord(batch) == 1 && batchLabor.AddRecord(line) == 1, "enter a batch with a labor line");
+    std::vector<PDCBILABFILETYPE*> batchLines;
+    batchLabor.GetAllRecords(1, batchLines);
+    Say("   the floor enters batch 1 for C1 with %zu labor line\n", batchLines.size());
+    DeallocatePtrArray(batchLines);
+
+    Say("   the shop floor screen reads job %ld back:\n", job);
+    std::vector<PDCDATATYPE*> all;
+    pieces.GetAllRecords(all);
+    for (const PDCDATATYPE* row : all)
+        Say("      %-3s %s %-3s x%d\n", row->szMainMark, row->szMainOrAcc, row->szPieceMark, int{row->nValue53});
+    DeallocatePtrArray(all);
+    std::vector<PDCTRACKFILETYPE*> tracked;
+    tracking.GetAllRecords(tracked);
+    for (const PDCTRACKFILETYPE* done : tracked)
+        Say("      %s done at station %d (%s), size %s %s\n", done->sMark13, int{done->nValue0}, done->sText4,
+            done->sizeKey.szShape, done->sizeKey.szDimText);
+    Check(tracked.size() == 2, "two tracking records");
+    DeallocatePtrArray(tracked);
+    Check(foreman.Close(1) == 1, "the foreman logs out");
+    Say("   the foreman closes the production project and logs out\n");
+}
+
 }  // namespace
 
 int main() {
@@ -369,6 +522,7 @@ int main() {
 
     RecordManagerWalk(dir);
     ProjectWalk(dir);
+    ProductionWalk(dir);
 
     fs::remove_all(dir, error);
     Say("\n%s; temporary directory removed\n", g_failed ? "Something did not work" : "All done");

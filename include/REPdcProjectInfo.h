@@ -81,7 +81,7 @@ public:
     // Opens the project (closing an open one first), then its lock file (created when missing),
     // and logs the user in. An identity already logged in is refused with the already-logged-in
     // message and the project is closed again without logging anybody out.
-    int Initialize(const char* path);
+    int Initialize(const char* path) override;
     int Initialize(const std::string& path) { return Initialize(path.c_str()); }
     // Logs the user out when `logOut` is non-zero, closes the lock file and the project, and
     // drops the login mode.
@@ -130,6 +130,10 @@ public:
     std::string m_strCurUser;
     REProjectLock m_projectLock;
     int32_t m_nLoginMode;
+
+protected:
+    // Reset through a base: with log-out, as Reset() on the class.
+    int _Reset() override { return Reset(1); }
 
 private:
     static const RERecordFileSpec kSpec;
