@@ -2,6 +2,7 @@
 
 #include "REErrorMessages.h"
 #include "core/Platform.h"
+#include "core/ProjectDirectory.h"
 #include "core/RecordFileSpec.h"
 
 #include <algorithm>
@@ -24,14 +25,7 @@ constexpr uint16_t kVariableLengthRecords = 0x0001;
 constexpr uint16_t kFixedPartLength = sizeof(int32_t);
 
 constexpr char kLockFileExtension[] = ".RDK";
-constexpr char kUnknownComputer[] = "\\\\Unknown Computer\\";
-constexpr char kIdentitySeparator[] = "\\\\";
 
-// Record ids are 32-bit; a wider id saturates so that it can never alias a small one.
-int32_t KeyId(long id) {
-    return static_cast<int32_t>(std::clamp<long>(id, std::numeric_limits<int32_t>::min(),
-                                                 std::numeric_limits<int32_t>::max()));
-}
 
 // Compares two fixed text fields up to their first NUL, ignoring letter case.
 template <size_t N>
@@ -68,9 +62,7 @@ const RERecordFileSpec REEstProjectInfo::kSpec = REMakeSpec<EstProjectTraits, RE
 
 REEstProjectInfo::REEstProjectInfo(const std::string& userName, int superUser)
     : RERecordFile(kSpec), m_bSuperUser(superUser) {
-    const std::string computer = platform::ComputerName();
-    m_strCurUser = computer.empty() ? std::string(kUnknownComputer) : computer + kIdentitySeparator;
-    m_strCurUser += userName.empty() ? std::string(m_strConstSysUsrName) : userName;
+    m_strCurUser = projectdir::UserIdentity(userName.empty() ? std::string(m_strConstSysUsrName) : userName);
     SetKeyNumber(0);
 }
 
@@ -164,11 +156,8 @@ int REEstProjectInfo::IsValidProjName(const char* name) {
 }
 
 int REEstProjectInfo::_GetAtOrAbove(long id, TSLESTIMATEDATA* rec) {
-    int32_t key = KeyId(id);
-    SetKeyNumber(0);
-    SetKeyBuffer(&key, sizeof key);
     *rec = TSLESTIMATEDATA{};
-    return _CallBtrieve(kOpGetGreaterOrEqual, rec);
+    return projectdir::ReadAtOrAbove(*this, id, rec);
 }
 
 int REEstProjectInfo::_ReadNext(TSLESTIMATEDATA* rec) {
@@ -177,11 +166,8 @@ int REEstProjectInfo::_ReadNext(TSLESTIMATEDATA* rec) {
 }
 
 int16_t REEstProjectInfo::_LockedProbe(long id) {
-    int32_t key = KeyId(id);
-    SetKeyNumber(0);
-    SetKeyBuffer(&key, sizeof key);
     TSLESTIMATEDATA rec{};
-    return _CallStatus(kOpGetGreaterOrEqual + kBiasSingleNoWaitLock, &rec);
+    return projectdir::LockAtOrAbove(*this, id, &rec);
 }
 
 int REEstProjectInfo::GetProjectDetail(PROJINFORMATION* info, const int& lock) {

@@ -1,6 +1,8 @@
 // The job records of a project and their locks.
 #include "REEstProjectInfo.h"
 
+#include "core/ProjectDirectory.h"
+
 #include <cstdlib>
 
 int REEstProjectInfo::GetAllJobRecs(std::vector<TSLESTIMATEDATA*>& jobs) {
@@ -79,13 +81,5 @@ int REEstProjectInfo::LockProjectInfo(std::string* lockedBy) {
 
 // Records a lock just taken in the lock file, or names the user who holds the record.
 int REEstProjectInfo::_NoteLock(long id, std::string* lockedBy, int locked) {
-    const int jobId = static_cast<int>(id);
-    if (locked) {
-        const int keepNotice = 0;
-        m_projectLock.UpdateLockStatus(m_strCurUser.c_str(), &jobId, &keepNotice);
-        return 1;
-    }
-    if (lockedBy != nullptr)
-        m_projectLock.IsJobLocked(jobId, *lockedBy);
-    return 0;
+    return projectdir::NoteLock(m_projectLock, m_strCurUser, id, lockedBy, locked != 0 ? 1 : 0);
 }

@@ -5,7 +5,7 @@
 #include "REErrorMessages.h"
 #include "REEstProjectInfo.h"
 #include "production/PdcDataFiles.h"
-#include "production/PdcProjectDirectory.h"
+#include "core/ProjectDirectory.h"
 
 #include <cstdlib>
 #include <cstring>

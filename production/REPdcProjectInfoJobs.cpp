@@ -1,7 +1,7 @@
 // The job records of a production project and their locks.
 #include "REPdcProjectInfo.h"
 
-#include "production/PdcProjectDirectory.h"
+#include "core/ProjectDirectory.h"
 
 #include <cstdlib>
 

@@ -59,6 +59,16 @@ public:
     // Appends at most `maxCount` records of the open file `src` (old layout when `srcIsOld`),
     // converted to this file's layout, in physical order; 0 when `src` has none.
     int _CopyRecords(REBtrieveBase& src, int srcIsOld, int maxCount);
+    // One record-manager call with a current-layout record, converted when the file is old;
+    // returns the status as it is, judging nothing: for the operations whose statuses the class
+    // tells apart itself (a record in use, say).
+    int16_t _CallStatus(unsigned op, void* rec);
+    // A write (Insert, Update) of a current-layout record, converted when the file is old; the
+    // status as it is.
+    int16_t _WriteStatus(uint16_t op, const void* rec);
+    // The one judgement of a status: 1 for success; otherwise 0, after the class's message for
+    // the statuses that are reported (REStatusIsReported).
+    int _Judge(unsigned op, int16_t status) const;
 
     int32_t m_isOldFormat;   // 1 while the open file has the old record length
     int32_t m_searchActive;  // 1 from the start of a key search until a search finds nothing
@@ -91,16 +101,6 @@ protected:
     virtual int _Reset();
     virtual bool _AdjustCopiedRecord(void* rec);
 
-    // One record-manager call with a current-layout record, converted when the file is old;
-    // returns the status as it is, judging nothing: for the operations whose statuses the class
-    // tells apart itself (a record in use, say).
-    int16_t _CallStatus(unsigned op, void* rec);
-    // A write (Insert, Update) of a current-layout record, converted when the file is old; the
-    // status as it is.
-    int16_t _WriteStatus(uint16_t op, const void* rec);
-    // The one judgement of a status: 1 for success; otherwise 0, after the class's message for
-    // the statuses that are reported (REStatusIsReported).
-    int _Judge(unsigned op, int16_t status) const;
 
 private:
     int _Write(uint16_t op, const void* rec);

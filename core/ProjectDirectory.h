@@ -33,6 +33,6 @@ int ReadAtOrAbove(RERecordFileEngine& file, long id, void* rec);
 int16_t LockAtOrAbove(RERecordFileEngine& file, long id, void* rec);
 // Deletes every record in physical order; 1 when the file is empty or emptied, 0 when a delete
 // fails.
-int DeleteEveryRecord(REBtrieveBase& file, void* rec);
+int DeleteEveryRecord(RERecordFileEngine& file, void* rec);
 
 }  // namespace projectdir

@@ -1,5 +1,6 @@
-// The project-directory protocol over the lock file and the id-keyed directory file.
-#include "production/PdcProjectDirectory.h"
+// The project-directory protocol over the lock file and the id-keyed directory file, shared by
+// the estimating and the production project.
+#include "core/ProjectDirectory.h"
 
 #include "core/Platform.h"
 
@@ -64,13 +65,13 @@ int16_t LockAtOrAbove(RERecordFileEngine& file, long id, void* rec) {
     int32_t key = KeyId(id);
     file.SetKeyNumber(0);
     file.SetKeyBuffer(&key, sizeof key);
-    return file.Btrieve(REBtrieveBase::kOpGetGreaterOrEqual + REBtrieveBase::kBiasSingleNoWaitLock, rec);
+    return file._CallStatus(REBtrieveBase::kOpGetGreaterOrEqual + REBtrieveBase::kBiasSingleNoWaitLock, rec);
 }
 
-int DeleteEveryRecord(REBtrieveBase& file, void* rec) {
-    for (int16_t status = file.Btrieve(REBtrieveBase::kOpStepFirst, rec); status == REBtrieveBase::kStatusSuccess;
-         status = file.Btrieve(REBtrieveBase::kOpStepNext, rec)) {
-        if (file.Btrieve(REBtrieveBase::kOpDelete, rec) != REBtrieveBase::kStatusSuccess)
+int DeleteEveryRecord(RERecordFileEngine& file, void* rec) {
+    for (int16_t status = file._CallStatus(REBtrieveBase::kOpStepFirst, rec); status == REBtrieveBase::kStatusSuccess;
+         status = file._CallStatus(REBtrieveBase::kOpStepNext, rec)) {
+        if (file._CallStatus(REBtrieveBase::kOpDelete, rec) != REBtrieveBase::kStatusSuccess)
             return 0;
     }
     return 1;
