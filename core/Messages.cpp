@@ -6,6 +6,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <iterator>
+#include <mutex>
 #include <algorithm>
 #include <string>
 
@@ -31,10 +32,12 @@ std::atomic<REMessageHandler> g_messageHandler{&DefaultMessageHandler};
 std::atomic<RETraceHandler> g_traceHandler{nullptr};
 
 struct ExHandler {
-    REMessageHandlerEx handler;
-    void* context;
+    REMessageHandlerEx handler = nullptr;
+    void* context = nullptr;
 };
-std::atomic<ExHandler*> g_exHandler{nullptr};
+// Reports are rare: the pair is read and written under a lock, and called outside it.
+std::mutex g_exHandlerLock;
+ExHandler g_exHandler;
 
 constexpr size_t kPathSize = 261;
 
@@ -72,9 +75,8 @@ void RENoteCall(int operation, const char* path, size_t maxLength) {
 }
 
 void RESetMessageHandlerEx(REMessageHandlerEx handler, void* context) {
-    ExHandler* next = handler != nullptr ? new ExHandler{handler, context} : nullptr;
-    // The previous holder is kept: a report on another thread may still be reading it.
-    g_exHandler.exchange(next);
+    std::lock_guard<std::mutex> guard(g_exHandlerLock);
+    g_exHandler = ExHandler{handler, handler != nullptr ? context : nullptr};
 }
 
 const REErrorInfo* RELastError() { return &t_lastError.info; }
@@ -102,8 +104,13 @@ void REShowMessage(const char* caption, const char* text, unsigned int style, un
     last.text = text;
     std::copy(std::begin(t_lastCall.path), std::end(t_lastCall.path), std::begin(last.path));
     last.info = REErrorInfo{message, status, t_lastCall.operation, last.path, last.text.c_str()};
-    if (const ExHandler* ex = g_exHandler.load()) {
-        ex->handler(ex->context, caption, text, style, &last.info);
+    ExHandler ex;
+    {
+        std::lock_guard<std::mutex> guard(g_exHandlerLock);
+        ex = g_exHandler;
+    }
+    if (ex.handler != nullptr) {
+        ex.handler(ex.context, caption, text, style, &last.info);
         return;
     }
     g_messageHandler.load()(caption, text, style);
