@@ -2,7 +2,7 @@
 
 #include "REErrorMessages.h"
 #include "core/Platform.h"
-#include "core/RecordFileSpec.h"
+#include "estimating/EstProjectTraits.h"
 
 #include <algorithm>
 #include <cctype>
@@ -11,17 +11,7 @@
 
 namespace {
 
-enum : unsigned {
-    kCorruptCode = 1002,       // "ESTJOB.dat file is corrupt."
-    kUnknownErrorCode = 1104,  // "Unknown error job database file. [Error# %d]"
-    kCreateCode = 1102,        // "Unable to create job database file. [Error# %d]"
-    kAlreadyLoggedInCode = 1500,
-};
-
-// Records are variable-length: the file's fixed part is the id, and every call moves the whole
-// 1124-byte record.
-constexpr uint16_t kVariableLengthRecords = 0x0001;
-constexpr uint16_t kFixedPartLength = sizeof(int32_t);
+constexpr unsigned kAlreadyLoggedInCode = 1500;
 
 constexpr char kLockFileExtension[] = ".RDK";
 constexpr char kUnknownComputer[] = "\\\\Unknown Computer\\";
@@ -47,22 +37,6 @@ bool SameTextIgnoringCase(const char (&a)[N], const char (&b)[N]) {
 }
 
 }  // namespace
-
-struct EstProjectTraits {
-    using Record = TSLESTIMATEDATA;
-    static constexpr const char* kClassName = "REEstProjectInfo";
-    static constexpr REMessageCodes kMessages = {.corrupt = kCorruptCode, .unknownError = kUnknownErrorCode,
-                                                 .create = kCreateCode};
-    static constexpr REKeySegment kKeys[] = {RE_KEY(nId, kKeyLastSegment, kKeyTypeAutoIncrement)};
-    static constexpr uint16_t kFileFlags = kVariableLengthRecords;
-    static constexpr REField kFields[] = {RE_FIELD(nId, kInteger), RE_FIELD(data, kRecord)};
-    static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), 0};
-    static constexpr void Customize(RERecordFileSpec& spec) {
-        spec.statLength = kFixedPartLength;
-        spec.create.recordLength = kFixedPartLength;
-        spec.keepOpenOnCorrupt = true;
-    }
-};
 
 const RERecordFileSpec REEstProjectInfo::kSpec = REMakeSpec<EstProjectTraits, REEstProjectInfo>();
 
