@@ -91,7 +91,8 @@ TEST_F(DumpLoad, JobItemFileRoundTripsThroughCsvAndJson) {
     ESTJOBFILERECORD rec{};
     ASSERT_TRUE(file.SearchFirstRecord("B", "", 2, -1, &rec));
     EXPECT_STREQ("a, \"b\" c", rec.sText124);
-    EXPECT_EQ(-1, rec.nLineNo);
+    const int32_t line = rec.nLineNo;  // packed field, read by value
+    EXPECT_EQ(-1, line);
 }
 
 TEST_F(DumpLoad, OldGenerationJobItemFileDecodesByTheOldLayoutAndLoadsBack) {
