@@ -52,7 +52,8 @@ test-sanitize: deps $(ASAN_BUILD)/CMakeCache.txt
 	  ctest --output-on-failure -j $(JOBS)
 
 # Installs the normal build into a temporary prefix and builds a small program against it,
-# once through the CMake package and once through pkg-config, then runs both.
+# once through the CMake package and once through pkg-config, then runs both, and runs the
+# installed utility on the file they wrote.
 STAGE = $(BUILD)/stage
 test-install: build
 	rm -rf $(STAGE) && cmake --install $(BUILD) --prefix $(CURDIR)/$(STAGE) >/dev/null
@@ -63,6 +64,7 @@ test-install: build
 	PKG_CONFIG_PATH=$$(dirname $$(find $(CURDIR)/$(STAGE) -name tarsel.pc)) && export PKG_CONFIG_PATH && \
 	  c++ -std=c++17 tests/consumer/main.cpp $$(pkg-config --cflags --libs tarsel) -o $(STAGE)/consumer-pkgconfig && \
 	  LD_LIBRARY_PATH=$$(pkg-config --variable=libdir tarsel) $(STAGE)/consumer-pkgconfig $(STAGE)/run
+	$(STAGE)/bin/tarsel stat $(STAGE)/run/consumer.dat && $(STAGE)/bin/tarsel dump $(STAGE)/run/consumer.dat --format csv >/dev/null
 
 test: test-normal test-install test-sanitize
 

@@ -4,6 +4,7 @@
 #include "core/Platform.h"
 #include "core/ProjectDirectory.h"
 #include "core/RecordFileSpec.h"
+#include "estimating/EstProjectTraits.h"
 
 #include <algorithm>
 #include <cctype>
@@ -12,20 +13,9 @@
 
 namespace {
 
-enum : unsigned {
-    kCorruptCode = 1002,       // "ESTJOB.dat file is corrupt."
-    kUnknownErrorCode = 1104,  // "Unknown error job database file. [Error# %d]"
-    kCreateCode = 1102,        // "Unable to create job database file. [Error# %d]"
-    kAlreadyLoggedInCode = 1500,
-};
-
-// Records are variable-length: the file's fixed part is the id, and every call moves the whole
-// 1124-byte record.
-constexpr uint16_t kVariableLengthRecords = 0x0001;
-constexpr uint16_t kFixedPartLength = sizeof(int32_t);
+constexpr unsigned kAlreadyLoggedInCode = 1500;
 
 constexpr char kLockFileExtension[] = ".RDK";
-
 
 // Compares two fixed text fields up to their first NUL, ignoring letter case.
 template <size_t N>
@@ -41,22 +31,6 @@ bool SameTextIgnoringCase(const char (&a)[N], const char (&b)[N]) {
 }
 
 }  // namespace
-
-struct EstProjectTraits {
-    using Record = TSLESTIMATEDATA;
-    static constexpr const char* kClassName = "REEstProjectInfo";
-    static constexpr REMessageCodes kMessages = {.corrupt = kCorruptCode, .unknownError = kUnknownErrorCode,
-                                                 .create = kCreateCode};
-    static constexpr REKeySegment kKeys[] = {RE_KEY(nId, kKeyLastSegment, kKeyTypeAutoIncrement)};
-    static constexpr uint16_t kFileFlags = kVariableLengthRecords;
-    static constexpr REField kFields[] = {RE_FIELD(nId, kInteger), RE_FIELD(data, kRecord)};
-    static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), 0};
-    static constexpr void Customize(RERecordFileSpec& spec) {
-        spec.statLength = kFixedPartLength;
-        spec.create.recordLength = kFixedPartLength;
-        spec.keepOpenOnCorrupt = true;
-    }
-};
 
 const RERecordFileSpec REEstProjectInfo::kSpec = REMakeSpec<EstProjectTraits, REEstProjectInfo>();
 

@@ -142,8 +142,11 @@ public:
     int GetVersionInfo(void* buffer, int* length);
     void BtrieveStop();
     void BtrieveReset();
-    // Record count as this operation has always computed it: each 16-bit word of the stored
-    // count is read as decimal text and the words are combined with the factor 65535.
+    // NOT the record count, except by chance: the two bytes of each 16-bit word of Stat's count
+    // are read as decimal digit characters (so a word whose bytes are not ASCII digits reads as
+    // 0 or a small number), a negative word gets 65535 added, and the words are combined as
+    // low + high x 65535. A file of 3 records answers 0. Kept for programs that rely on it; the
+    // count itself is GetStatus's numberOfRecords. 0 when closed.
     long GetNoOfRecords();
 
     // 1 for status 0; otherwise 0, after showing the status when `showMessage` is non-zero.

@@ -1,5 +1,7 @@
 // REEstMultLongFile: the estimate's long multiplier table, unkeyed 186-byte records read and
 // rewritten whole.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/REWorkFile.h"

@@ -1,4 +1,7 @@
 // REEstProjectInfo: the project file of an estimating project (".RDB").
+// A program constructs it with the user's name, opens a project with Initialize(path), which
+// logs the user in to the lock file beside it, and closes it with Close(1) or the destructor,
+// which log the user out.
 //
 // The file holds one project record (id 1) and one record per job (ids 2 and up, given by the
 // record manager), each job pointing to the job's own data files. Opening a project logs the

@@ -2,6 +2,8 @@
 // searched by any combination of the first, second and third. Files of the earlier generation
 // (26-byte blank-padded records) are read and written in place; callers see the 30-byte record.
 // The positional reads walk the file in stored order, not in key order.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/RESearchRecordFile.h"

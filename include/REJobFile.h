@@ -1,6 +1,8 @@
 // REJobFile: the item lines of one estimating job, one ESTJOBFILERECORD per line, keyed by two
 // codes, a page number and a line number. Files of the earlier generation (516-byte records)
 // are read and written in place in their own layout; callers always see the 606-byte record.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "OPERATIONTYPE.h"
@@ -145,9 +147,15 @@ public:
     static int ResetJobRecList(std::list<ESTJOBFILERECORD*>& list) { return ResetRecList(list); }
     static int ResetJobRecArray(std::vector<ESTJOBFILERECORD*>& array) { return ResetRecArray(array); }
 
-    // Key searches with filters: an empty code matches any code, a negative page or line any
-    // number. The first search starts at the key built from the arguments (Get Greater or
-    // Equal); the next one moves on in key order. A record that fails the filter ends the search.
+    // Key searches with a filter. The filter lets an empty (or null) code match any code and a
+    // negative page or line any number. The first search reads by Get Greater or Equal from the
+    // key built from the arguments, whose page and line segments are unsigned: a negative number
+    // counts there as one of the largest, so the search starts past every record of the given
+    // codes (for a negative line: of the given codes and page). A negative number therefore
+    // works as "any" only behind a code left empty: ("A", "", -1, -1) walks every record of
+    // code "A", ("", "", 1, -1) starts at the first record and walks while the page is 1, but
+    // ("A", "BEAM", -1, -1) and ("A", "BEAM", 1, -1) find nothing. The next search moves on in
+    // key order; the first record that fails the filter ends the search (0).
     int SearchFirstRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD* rec);
     int SearchNextRecord(const char* code1, const char* code2, int pageNo, int lineNo, ESTJOBFILERECORD* rec);
     // The record at or before the key, without filter.

@@ -1,6 +1,8 @@
 // RELaborCodeDescFile: the operation codes of each labor code group, one LABOROPDESCRECORD per
 // operation with its group and extrapolation values, a description and a flag. Read and written
 // a group at a time; files of the earlier generation (42-byte records) are kept in place.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/REKeyedRecordFile.h"

@@ -1,6 +1,8 @@
 // RELaborCodeFile: the labor standards, one LABORCODERECORD per labor code group and sub-code,
 // with a description and two tables of 100 values. Read and written a group at a time. Files of
 // the earlier generation (441-byte records, blank-padded texts) are read and written in place.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/REKeyedRecordFile.h"

@@ -1,5 +1,7 @@
 // RELaborGroupFile: the numbered groups of each labor code group, one LABORGROUPRECORD per group
 // with a short description. Files of the earlier generation (17-byte records) are kept in place.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/REKeyedRecordFile.h"

@@ -1,6 +1,8 @@
 // RELaborMultFactorFile: labor multiplication factors, per factor type ("W" by weight, "Q" by
 // quantity) and labor code group a table of factors stepped by an unsigned value. Files of the
 // earlier generation (14-byte records) are kept in place.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/REKeyedRecordFile.h"

@@ -3,6 +3,8 @@
 // settings fill pick lists, and twelve of them are the steel-mill titles. Files of the earlier
 // generation (432-byte records) are read and written in place; callers see the 451-byte record.
 // The positional reads walk the file in stored order.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REListControl.h"

@@ -9,6 +9,9 @@
 
 #include "tarsel_export.h"
 
+// `style` is the message-box style the report asks for, in the values of the Windows message box:
+// 0 for the library's numbered messages (an OK button, no icon) and 16 for record-manager status
+// reports (an OK button and the stop icon). A handler that shows no box may ignore it.
 typedef void (*REMessageHandler)(const char* caption, const char* text, unsigned int style);
 typedef void (*RETraceHandler)(const char* text);
 

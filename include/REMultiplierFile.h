@@ -1,5 +1,7 @@
 // REMultiplierFile: the estimate multipliers, one MULTIPLIERRECORD per code. Files of the
 // earlier generation (10-byte records, blank-padded codes) are kept in place.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/REKeyedRecordFile.h"

@@ -1,6 +1,8 @@
 // REPdcBatInpDataFile: the batches in which the shop floor enters production data, one
 // PDCBIDFILETYPE header per batch, keyed by batch number (unique). Files of the earlier
 // generation (46-byte records) are converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

@@ -1,6 +1,8 @@
 // REPdcBatInpLaborDataFile: the labor lines of the batches, PDCBILABFILETYPE records keyed by
 // batch number (duplicates). Files of the earlier generation (41-byte records, the text in three
 // 11-byte parts) are converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/PdcFileFamily.h"

@@ -1,6 +1,8 @@
 // REPdcCalcFile: the production sort file, fixed 242-byte PDCCALCRECORD rows written by a report
 // run and read back in the order a sort name selects (DoIndexing). One layout; the class keeps
 // its own path and open flag.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/REWorkFile.h"

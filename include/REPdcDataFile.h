@@ -2,6 +2,8 @@
 // (piece) mark attached to it. Files of the earlier generation (145-byte records, the two
 // leading marks in the other order) are read and converted on every read; writes always pass
 // the 154-byte record.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

@@ -1,6 +1,8 @@
 // REPdcLinkFile: the links between the marks of a production job, one PDCLINKFILETYPE each. The
 // file has no key: it is read in the order of its records. Files of the earlier generation
 // (98-byte records) are read and converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

@@ -1,6 +1,8 @@
 // REPdcMarkFile: the marks of a production job with their measures, one PDCMARKDATATYPE per
 // mark. Files of the earlier generation (198-byte records, numbers in single precision, some in
 // sortable form) are read and converted on every read; writes always pass the 257-byte record.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

@@ -1,6 +1,8 @@
 // REPdcPayCategoryDataFile: the pay categories of a production project, one PDCPAYCATDATATYPE
 // per code with its description and two rates, keyed by code. Files of the earlier generation
 // (31-byte records, 32-bit rates) are converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/PdcFileFamily.h"

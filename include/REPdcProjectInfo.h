@@ -1,4 +1,7 @@
 // REPdcProjectInfo: the directory file of a production project (".RDP").
+// A program constructs it with the user's name, opens a project with Initialize(path), which
+// logs the user in to the lock file beside it, and closes it with Close(1) or the destructor,
+// which log the user out.
 //
 // The file holds one project record (id 1) and one record per job (ids 2 and up, given by the
 // record manager). Opening a project logs the workstation in to the project's lock file (".RPK"

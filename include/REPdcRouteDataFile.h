@@ -1,6 +1,8 @@
 // REPdcRouteDataFile: the stations of each route, one PDCROUTEDATATYPE per station of a route,
 // keyed by route name (duplicates). Files of the earlier generation (19-byte records) are
 // converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

@@ -1,6 +1,8 @@
 // REPdcRouteInfoFile: the routes of a production project, one PDCROUTEINFODATATYPE per route
 // with its description, keyed by route name. Files of the earlier generation (43-byte records)
 // are converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

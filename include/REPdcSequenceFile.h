@@ -1,6 +1,8 @@
 // REPdcSequenceFile: the sequences of a production project, one PDCSEQDATATYPE per pair of
 // names with a number. Keys: 0 the first name (duplicates), 1 the pair, 2 the reversed pair.
 // Files of the earlier generation (36-byte records) are converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

@@ -2,6 +2,8 @@
 // station with its number and name. Key 0 is number and name; the look-ups by number and by
 // name use keys 2 and 3 (number, name), which the file must carry for them to succeed. Files of
 // the earlier generation (24-byte records) are converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/PdcFileFamily.h"

@@ -1,6 +1,8 @@
 // REPdcStationLoadDataFile: the station load records of a production project, one
 // PDCSTATIONLOADDATATYPE each. The file has no key: its records read in the order they were
 // written. Files of the earlier generation (65-byte records) are converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

@@ -3,6 +3,8 @@
 // text at 4 and the two marks; the look-up by number uses key 1 (the number alone), which the
 // file must carry for it to succeed. Files of the earlier generation (223-byte records) are
 // converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

@@ -1,6 +1,8 @@
 // REPdcTrackingLaborDataFile: the labor booked in the shop, one PDCTRACKLABORFILETYPE per entry.
 // Key 0 (duplicates): the number at 0, the text at 4 and the mark. Files of the earlier
 // generation (76-byte records) are converted on every read.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REPdcMarkText.h"

@@ -1,4 +1,6 @@
 // REProjectLock: the lock file of a project, shared by every workstation that has it open.
+// A program (or the project classes, which own one) opens it with Initialize(path) and logs
+// users in and out with LogIn and LogOut; CreateNewFile makes an empty lock file.
 //
 // One record per logged-in user says who the user is, whether a super user, which job the user
 // holds locked, and whether another user has changed the project since this user last read it

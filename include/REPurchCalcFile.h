@@ -1,5 +1,7 @@
 // REPurchCalcFile: the purchasing work file, fixed 862-byte PURCHASECALCRECORD rows read back in
 // the order of its one key. One layout; the class keeps its own path and open flag.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/REWorkFile.h"

@@ -2,6 +2,8 @@
 // entries, each with a record id the record manager numbers and a group code. Custom groups hang
 // under the group code "CUS" and are numbered "CUS0", "CUS1", ...; their entries carry that
 // number as their group code. One record layout.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/RERecordFile.h"

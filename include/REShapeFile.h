@@ -3,6 +3,8 @@
 // carries. Files of the earlier generation (208-byte records) are read and updated in place;
 // callers see the 303-byte record. The class reads and updates shapes; it never adds or removes
 // one.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "REListControl.h"

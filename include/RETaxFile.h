@@ -1,5 +1,7 @@
 // RETaxFile: the purchase tax codes, one 27-byte tagTAXRECORD per code, keyed by the code. One
 // record layout; the class keeps its own path and open flag.
+// A program opens it with Initialize(path) (CreateNewFile first makes an empty file) and reads
+// and writes it through the record-file methods of detail/RERecordFile.h and those below.
 #pragma once
 
 #include "detail/RERecordFile.h"

@@ -15,15 +15,32 @@
 
 #include "tarsel_export.h"
 
-// Weight of `quantity` pieces. Writes the total and piece weight, LF, LI and the plate area
-// (square feet). `weightUnit`: 1 pounds per foot, 2 per square foot, 3 each, 4 per hundred,
-// 5 per thousand. Weightless formats (19, 31, 32, 33, 40, 42) weigh 0.
+// Weight of `quantity` pieces of one size and length.
+//   dmFmt             the size's dimension format: selects how D1..D4 give the width for the
+//                     area (formats 19, 31, 32, 33, 40 and 42 carry no weight: weight 0)
+//   weightUnit        how `unitWeight` is meant: 1 pounds per foot (x LF), 2 pounds per square
+//                     foot (x area), 3 pounds each, 4 the unit weight / 100, 5 / 1000; any other
+//                     code gives weight 0
+//   unitWeight        the size's unit weight in pounds per the unit above
+//   quantity          number of pieces (a count, may be fractional)
+//   unused            ignored
+//   d1..d4            the size's four dimension numbers; only the area reads them: formats 3,
+//                     4, 16, 18, 21, 23 take the width as d2 inches + d4 sixteenths, 13 as d1
+//                     inches + d2 sixteenths, 34, 35, 41 as d3 inches + d4 sixteenths, and 9,
+//                     11, 14 as d3 feet + d4 inches; other formats have no area
+//   lengthFeet        whole feet of one piece's length
+//   lengthInches      inches of the length
+//   lengthSixteenths  sixteenths of an inch of the length
+// Writes through the pointers (a null one is skipped): totalWeight (pounds, quantity x piece
+// weight), pieceWeight (pounds), lengthInFeet (LF, decimal feet), lengthInInches (LI, decimal
+// inches) and area (square feet of one piece; 0 for a size without an area rule).
 TARSEL_API int gCalculateWeight(int16_t dmFmt, int16_t weightUnit, double unitWeight, double quantity,
                                 double unused, double d1, double d2, double d3, double d4, double lengthFeet,
                                 double lengthInches, double lengthSixteenths, double* totalWeight,
                                 double* pieceWeight, double* lengthInFeet, double* lengthInInches, double* area);
 
-// The same with the length in (decimal) feet only.
+// The same with the length in decimal feet only (inches and sixteenths 0); `lengthFeet` may
+// carry a fraction of a foot.
 TARSEL_API int gCalculateWeight(int16_t dmFmt, int16_t weightUnit, double unitWeight, double quantity,
                                 double unused, double d1, double d2, double d3, double d4, double lengthFeet,
                                 double* totalWeight, double* pieceWeight, double* lengthInFeet,
