@@ -25,26 +25,23 @@ struct REKeySegment {
     uint8_t nullValue;  // no effect without kKeyNullKey; the files here write 20
 };
 
+// Key flags and types, from the shared list (kKeyDuplicates ..., kKeyTypeString ...).
+#define RE_KEY_FLAG_ENTRY(name, value) kKey##name = value,
+#define RE_KEY_TYPE_ENTRY(name, value) kKeyType##name = value,
 enum REKeyFlag : uint16_t {
-    kKeyDuplicates = 0x0001,
-    kKeyModifiable = 0x0002,
-    kKeyNullKey = 0x0008,
-    kKeySegmented = 0x0010,
-    kKeyExtendedType = 0x0100,
-    kKeyCaseInsensitive = 0x0400,
+    RE_BTRIEVE_KEY_FLAGS(RE_KEY_FLAG_ENTRY)
+    kKeyNullKey = kKeyNullable,
     // The two forms the files use: a key's inner segments and its last segment.
     kKeyInnerSegment = kKeyExtendedType | kKeySegmented | kKeyModifiable,
     kKeyLastSegment = kKeyExtendedType | kKeyModifiable,
 };
 
 enum REKeyType : uint8_t {
-    kKeyTypeString = 0,
-    kKeyTypeInteger = 1,
-    kKeyTypeBFloat = 9,
-    kKeyTypeZString = 11,
-    kKeyTypeUnsigned = 14,
-    kKeyTypeAutoIncrement = 15,
+    RE_BTRIEVE_KEY_TYPES(RE_KEY_TYPE_ENTRY)
+    kKeyTypeUnsigned = kKeyTypeUnsignedBinary,
 };
+#undef RE_KEY_FLAG_ENTRY
+#undef RE_KEY_TYPE_ENTRY
 
 // File flags of a Create block. 0x0040 is stored and reported by Stat and changes nothing here;
 // the job item, settings, multiplier and work files are created with it.

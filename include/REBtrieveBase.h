@@ -6,6 +6,7 @@
 // destruction if its own flag is set.
 #pragma once
 
+#include "detail/REBtrieveCodes.h"
 #include "tarsel_export.h"
 
 #include <cstddef>
@@ -41,33 +42,14 @@ public:
     static constexpr int kMaxPathLength = kKeyBufferSize - 1;
     static constexpr uint32_t kStatBufferSize = sizeof(STAT_BUFFER);
 
-    // Record-manager operation numbers.
+    // Record-manager operation numbers (kOpOpen ... kOpStepPrevious), from the shared list.
+#define RE_BTRIEVE_PUBLIC_OP(name, value) kOp##name = value,
     enum Operation : uint16_t {
-        kOpOpen = 0,
-        kOpClose = 1,
-        kOpInsert = 2,
-        kOpUpdate = 3,
-        kOpDelete = 4,
-        kOpGetEqual = 5,
-        kOpGetNext = 6,
-        kOpGetPrevious = 7,
-        kOpGetGreater = 8,
-        kOpGetGreaterOrEqual = 9,
-        kOpGetLess = 10,
-        kOpGetLessOrEqual = 11,
-        kOpGetFirst = 12,
-        kOpGetLast = 13,
-        kOpCreate = 14,
-        kOpStat = 15,
-        kOpStepNext = 24,
-        kOpVersion = 26,
-        kOpUnlock = 27,
-        kOpStepFirst = 33,
-        kOpStepLast = 34,
-        kOpStepPrevious = 35,
+        RE_BTRIEVE_OPERATIONS(RE_BTRIEVE_PUBLIC_OP)
         // Added to a Get or Step: single-record lock, no wait.
         kBiasSingleNoWaitLock = 200,
     };
+#undef RE_BTRIEVE_PUBLIC_OP
 
     // Record-manager statuses the library tests by name.
     enum Status : int16_t {
@@ -170,3 +152,20 @@ private:
     // Issues Close through the long form with the object's key buffer, length and number.
     int16_t _CloseFile();
 };
+
+// The statuses the library names are those of the shared list.
+static_assert(REBtrieveBase::kStatusSuccess == rebtrieve::status::Ok);
+static_assert(REBtrieveBase::kStatusInvalidOperation == rebtrieve::status::BadOperation);
+static_assert(REBtrieveBase::kStatusIoError == rebtrieve::status::StoreFailure);
+static_assert(REBtrieveBase::kStatusFileNotOpen == rebtrieve::status::NoHandle);
+static_assert(REBtrieveBase::kStatusKeyNotFound == rebtrieve::status::KeyNotFound);
+static_assert(REBtrieveBase::kStatusDuplicateKey == rebtrieve::status::DuplicateKey);
+static_assert(REBtrieveBase::kStatusInvalidKeyNumber == rebtrieve::status::BadKeyNumber);
+static_assert(REBtrieveBase::kStatusEndOfFile == rebtrieve::status::EndOfFile);
+static_assert(REBtrieveBase::kStatusInvalidFileName == rebtrieve::status::BadPath);
+static_assert(REBtrieveBase::kStatusFileNotFound == rebtrieve::status::FileNotFound);
+static_assert(REBtrieveBase::kStatusDataBufferTooShort == rebtrieve::status::BufferTooShort);
+static_assert(REBtrieveBase::kStatusFileExists == rebtrieve::status::FileExists);
+static_assert(REBtrieveBase::kStatusConflict == rebtrieve::status::Conflict);
+static_assert(REBtrieveBase::kStatusRecordInUse == rebtrieve::status::RecordLocked);
+static_assert(REBtrieveBase::kBiasSingleNoWaitLock == 200);

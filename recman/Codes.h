@@ -1,109 +1,44 @@
-// Operation codes, status codes, key flags, key types and file flags of the record manager.
+// Operation codes, status codes, key flags, key types and file flags of the record manager, made
+// from the one list the library shares (include/detail/REBtrieveCodes.h).
 #pragma once
+
+#include "detail/REBtrieveCodes.h"
 
 #include <cstdint>
 
 namespace recman {
 
-enum Op : uint16_t {
-    OpOpen = 0,
-    OpClose = 1,
-    OpInsert = 2,
-    OpUpdate = 3,
-    OpDelete = 4,
-    OpGetEqual = 5,
-    OpGetNext = 6,
-    OpGetPrevious = 7,
-    OpGetGreater = 8,
-    OpGetGreaterOrEqual = 9,
-    OpGetLess = 10,
-    OpGetLessOrEqual = 11,
-    OpGetFirst = 12,
-    OpGetLast = 13,
-    OpCreate = 14,
-    OpStat = 15,
-    OpStepNext = 24,
-    OpVersion = 26,
-    OpUnlock = 27,
-    OpStepFirst = 33,
-    OpStepLast = 34,
-    OpStepPrevious = 35,
-};
+#define RECMAN_ENTRY(prefix, name, value) prefix##name = value,
+#define RECMAN_OP(name, value) RECMAN_ENTRY(Op, name, value)
+#define RECMAN_BIAS(name, value) RECMAN_ENTRY(Bias, name, value)
+#define RECMAN_STATUS(name, value) RECMAN_ENTRY(Status, name, value)
+#define RECMAN_KEY_FLAG(name, value) RECMAN_ENTRY(Key, name, value)
+#define RECMAN_KEY_TYPE(name, value) RECMAN_ENTRY(Type, name, value)
+
+enum Op : uint16_t { RE_BTRIEVE_OPERATIONS(RECMAN_OP) };
 
 // Lock biases added to a Get or Step code.
-enum LockBias : uint16_t {
-    BiasNone = 0,
-    BiasSingleWait = 100,
-    BiasSingle = 200,
-    BiasMultipleWait = 300,
-    BiasMultiple = 400,
-};
+enum LockBias : uint16_t { RE_BTRIEVE_LOCK_BIASES(RECMAN_BIAS) };
 
-enum Status : int16_t {
-    StatusOk = 0,
-    StatusBadOperation = 1,
-    StatusStoreFailure = 2,
-    StatusNoHandle = 3,
-    StatusKeyNotFound = 4,
-    StatusDuplicateKey = 5,
-    StatusBadKeyNumber = 6,
-    StatusDifferentKeyNumber = 7,
-    StatusNoCurrency = 8,
-    StatusEndOfFile = 9,
-    StatusKeyNotModifiable = 10,
-    StatusBadPath = 11,
-    StatusFileNotFound = 12,
-    StatusDiskFull = 18,
-    StatusEngineUnavailable = 20,
-    StatusKeyBufferNull = 21,
-    StatusBufferTooShort = 22,
-    StatusBadBlock = 24,
-    StatusCreateFailed = 25,
-    StatusTooManyKeys = 26,
-    StatusSegmentOutside = 27,
-    StatusBadRecordLength = 28,
-    StatusBadKeyLength = 29,
-    StatusNotEngineFile = 30,
-    StatusBadUnlock = 41,
-    StatusBadKeyFlags = 45,
-    StatusAccessDenied = 46,
-    StatusBadKeyType = 49,
-    StatusFileExists = 59,
-    StatusConflict = 80,
-    StatusLockError = 81,
-    StatusRecordLocked = 84,
-    StatusFileLocked = 85,
-    StatusFileInUse = 88,
-};
+enum Status : int16_t { RE_BTRIEVE_STATUSES(RECMAN_STATUS) };
 
 enum KeyFlag : uint16_t {
-    KeyDuplicates = 0x0001,
-    KeyModifiable = 0x0002,
-    KeyBinary = 0x0004,
-    KeyNullable = 0x0008,
-    KeySegmented = 0x0010,
-    KeyAltCollation = 0x0020,
-    KeyDescending = 0x0040,
-    KeySupplemental = 0x0080,
-    KeyExtendedType = 0x0100,
-    KeyNullAnySegment = 0x0200,
-    KeyCaseInsensitive = 0x0400,
+    RE_BTRIEVE_KEY_FLAGS(RECMAN_KEY_FLAG)
     KeyRefusedHighFlags = 0xF800,
 };
 
 enum KeyType : uint8_t {
-    TypeString = 0,
-    TypeInteger = 1,
-    TypeFloat = 2,
-    TypeLogical = 7,
-    TypeBFloat = 9,
-    TypeLString = 10,
-    TypeZString = 11,
-    TypeUnsignedBinary = 14,
-    TypeAutoIncrement = 15,
+    RE_BTRIEVE_KEY_TYPES(RECMAN_KEY_TYPE)
     // Not a stored type: a segment with 0x0004 and without 0x0100.
     TypeBinary = 0xFF,
 };
+
+#undef RECMAN_OP
+#undef RECMAN_BIAS
+#undef RECMAN_STATUS
+#undef RECMAN_KEY_FLAG
+#undef RECMAN_KEY_TYPE
+#undef RECMAN_ENTRY
 
 enum FileFlag : uint16_t {
     FileVariableLength = 0x0001,
