@@ -32,18 +32,20 @@ std::string pathFromKey(const void* key, uint8_t keyLength)
     return std::string(p, nul ? static_cast<const char*>(nul) - p : n);
 }
 
-Engine::Engine()
+Engine::Engine(bool forkedChild)
     : m_token(platform::randomToken()), m_pid(platform::currentProcessId()),
-      m_startToken(platform::processStartToken(m_pid)), m_store(makeDefaultStore())
+      m_startToken(platform::processStartToken(m_pid)), m_store(makeDefaultStore(forkedChild))
 {
 }
 
 void Engine::afterForkInChild()
 {
     // The parent's engine stays allocated and untouched: its connections belong to the parent.
+    // They are never used, finalised or closed here, and the child's own connections keep apart
+    // from the store state they left in the process.
     Engine* parent = g_engine.exchange(nullptr);
     if (parent) {
-        Engine* child = new Engine();
+        Engine* child = new Engine(true);
         child->m_abandoned = parent;
         g_engine.store(child);
     }
@@ -56,7 +58,7 @@ Engine& Engine::instance()
     if (e)
         return *e;
     std::call_once(g_atforkOnce, [] { platform::callInChildAfterFork(&Engine::afterForkInChild); });
-    Engine* fresh = new Engine();
+    Engine* fresh = new Engine(false);
     if (!g_engine.compare_exchange_strong(e, fresh)) {
         delete fresh;
         return *e;

@@ -26,7 +26,7 @@ public:
     Status call(const CallArgs& a);
 
 private:
-    Engine();
+    explicit Engine(bool forkedChild);
 
     Status open(const CallArgs& a);
     Status close(const CallArgs& a);

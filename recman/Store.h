@@ -100,8 +100,9 @@ public:
     virtual Status open(const std::string& path, bool writable, std::unique_ptr<StoreFile>& out) = 0;
 };
 
-// The store this build uses.
-std::unique_ptr<Store> makeDefaultStore();
+// The store this build uses. A forked child's store shares no store state with what the process
+// inherited from its parent.
+std::unique_ptr<Store> makeDefaultStore(bool forkedChild);
 
 // True while the owner's process runs.
 bool ownerAlive(const Owner& owner);

@@ -5,7 +5,10 @@
 
 namespace recman {
 
-std::unique_ptr<Store> makeDefaultStore() { return std::make_unique<sqlite::SqliteStore>(); }
+std::unique_ptr<Store> makeDefaultStore(bool forkedChild)
+{
+    return std::make_unique<sqlite::SqliteStore>(forkedChild);
+}
 
 bool ownerAlive(const Owner& owner) { return platform::processAlive(owner.pid, owner.startToken); }
 
