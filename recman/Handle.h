@@ -18,6 +18,7 @@ namespace recman {
 struct SharedFile {
     std::mutex mutex;
     std::unique_ptr<StoreFile> store;  // opened by the first handle
+    ProcessMark mark;                  // taken by the first handle, before the store opens
     bool writable = false;
     int refs = 0;                      // handles and opens under way; guarded by the engine's mutex
 };

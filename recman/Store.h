@@ -9,6 +9,7 @@
 
 #include "recman/Codes.h"
 #include "recman/FileSpec.h"
+#include "recman/ProcessMark.h"
 
 #include <cstdint>
 #include <memory>
@@ -104,7 +105,8 @@ public:
 // inherited from its parent.
 std::unique_ptr<Store> makeDefaultStore(bool forkedChild);
 
-// True while the owner's process runs.
-bool ownerAlive(const Owner& owner);
+// True while the owner's process runs: its id and start token still name a running process, and
+// it still holds its mark on the file (`mark` is this process's descriptor on that file).
+bool ownerAlive(const Owner& owner, const ProcessMark& mark);
 
 }  // namespace recman

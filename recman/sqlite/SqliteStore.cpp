@@ -83,7 +83,7 @@ Status openConnection(const std::string& path, const char* vfs, bool writable, s
 }
 
 // True when a live handle of any process has the file at `path` open.
-bool openSomewhere(const std::string& path, const char* vfs)
+bool openSomewhere(const std::string& path, const char* vfs, const ProcessMark& mark)
 {
     sqlite3* db = nullptr;
     FileSpec spec;
@@ -94,7 +94,7 @@ bool openSomewhere(const std::string& path, const char* vfs)
     if (file.openHandles(owners) != StatusOk)
         return true;
     for (const auto& o : owners)
-        if (ownerAlive(o.first))
+        if (ownerAlive(o.first, mark))
             return true;
     return false;
 }
@@ -132,14 +132,18 @@ SqliteStore::SqliteStore(bool forkedChild)
 
 Status SqliteStore::create(const std::string& path, const FileSpec& spec, bool replace)
 {
+    // Only a regular file is ever replaced; nothing else at the path is opened. Replacing holds
+    // the gate (ProcessMark.h) from the check for handles to the rename, so no Open slips between.
     platform::FileIdentity id;
-    const platform::PathKind kind = platform::inspectPath(path, id);
-    if (kind == platform::PathKind::Directory)
+    ProcessMark gate;
+    const platform::PathKind kind =
+        replace ? gate.attach(path, ProcessMark::Use::Replace, id) : platform::inspectPath(path, id);
+    if (kind == platform::PathKind::Directory || kind == platform::PathKind::Other)
         return StatusCreateFailed;
     if (kind != platform::PathKind::Missing) {
         if (!replace)
             return StatusFileExists;
-        if (openSomewhere(path, m_vfs))
+        if (openSomewhere(path, m_vfs, gate))
             return StatusCreateFailed;
     }
     // The new file is built beside the old one under a short name, then renamed over it.
