@@ -5,7 +5,9 @@
 #include "ConformanceFixture.h"
 
 #include <csignal>
+#include <sstream>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace conformance {
 namespace {
@@ -19,6 +21,32 @@ void killLeavingZombie(ChildProcess& child) {
     ASSERT_EQ(0, ::waitid(P_PID, id_t(child.pid()), &info, WEXITED | WNOWAIT));
     ASSERT_EQ(CLD_KILLED, info.si_code);
     ASSERT_EQ(0, ::kill(child.pid(), 0)) << "the zombie still answers to its id";
+}
+
+// "hold PATH": opens the file, locks key 10 of a twoKeyFile() and forks a process that waits for
+// its input to end; that process answers "0 PID" with its id.
+TARSEL_CHILD_ROUTINE(forkingHolder) {
+    std::string line;
+    if (!channel.readLine(line))
+        return;
+    Handle h;
+    int16_t status = h.open(line.substr(5));
+    if (status == st::Ok)
+        status = h.find(op::GetEqual + op::Single, int32Key(10));
+    if (status != st::Ok) {
+        channel.writeLine(std::to_string(status) + " 0");
+        return;
+    }
+    // The forked process answers, so the answer comes after its fork handlers have run.
+    if (::fork() == 0) {
+        channel.writeLine("0 " + std::to_string(::getpid()));
+        char byte;
+        while (::read(0, &byte, 1) > 0) {
+        }
+        ::_exit(0);
+    }
+    while (channel.readLine(line)) {
+    }
 }
 
 class EndedHolder : public Conformance {
@@ -65,6 +93,26 @@ TEST_F(EndedHolder, AZombiesExclusiveOpenBlocksNeitherOpenNorReplace) {
     ASSERT_EQ(st::Ok, h.open(file));
     EXPECT_EQ(0u, h.count());
     child.kill();
+}
+
+// A process forked by the holder outlives it, and with it every descriptor the holder had
+// open; the holder's lock must still end with the holder.
+TEST_F(EndedHolder, ALockEndsWithItsHolderNotWithTheHoldersChildren) {
+    ChildProcess holder("forkingHolder");
+    std::istringstream reply(holder.request("hold " + file));
+    int status = -1;
+    pid_t forked = 0;
+    reply >> status >> forked;
+    ASSERT_EQ(0, status);
+    ASSERT_GT(forked, 0);
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(file));
+    EXPECT_EQ(st::Locked, h.find(op::GetEqual + op::Single, int32Key(10)));
+
+    killLeavingZombie(holder);
+    EXPECT_EQ(st::Ok, h.find(op::GetEqual + op::Single, int32Key(10)));
+    ::kill(forked, SIGKILL);
+    holder.kill();
 }
 
 // The mark of a running process is seen by every other one, whatever else happens to the file

@@ -16,17 +16,7 @@ namespace {
 using testsupport::ChildProcess;
 
 constexpr int kProcesses = 4;
-#if defined(__SANITIZE_ADDRESS__)
-constexpr int kIncrements = 500;  // per process; the sanitizer build is several times slower
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr int kIncrements = 500;
-#else
-constexpr int kIncrements = 2000;
-#endif
-#else
-constexpr int kIncrements = 2000;
-#endif
+constexpr int kIncrements = 2000;  // per process
 
 constexpr int32_t kCounterKey = 7;
 
