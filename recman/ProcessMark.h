@@ -4,6 +4,10 @@
 // handle owner from a dead one by testing that byte; a process id alone cannot (a zombie still
 // answers to its id). Children forked later do not inherit marks: they are closed in the child.
 //
+// A process keeps one descriptor per file for all its marks and closes it only when it no longer
+// uses the file: closing any descriptor of a file drops every POSIX lock the process holds on it,
+// the store's included, and another process could then take the file as unused.
+//
 // The same descriptor gates opens against a Create that replaces the file: an Open holds the gate
 // byte shared from the moment it names the file until its handle is registered; a replacing
 // Create holds it exclusively while it checks for handles and renames the new file over the old.
@@ -17,6 +21,9 @@
 
 namespace recman {
 
+// One entry per file a process uses; marks of the same file share it (ProcessMarkPosix.cpp).
+struct MarkEntry;
+
 class ProcessMark {
 public:
     enum class Use { Open, Replace };
@@ -28,9 +35,9 @@ public:
     ProcessMark(const ProcessMark&) = delete;
     ProcessMark& operator=(const ProcessMark&) = delete;
 
-    // Looks at `path` without opening anything but a regular file. For a regular file: opens it,
-    // takes the gate (waiting while a replace runs) and, for Use::Open, marks it for this process;
-    // `identity` is then the file the path names until endGate(). Other kinds are only reported.
+    // Looks at `path` without opening anything but a regular file. For a regular file: takes the
+    // gate (waiting while a replace runs, or while opens run for Use::Replace); `identity` is then
+    // the file the path names until endGate(). Other kinds are only reported.
     platform::PathKind attach(const std::string& path, Use use, platform::FileIdentity& identity);
     // Lets a waiting replace (or Open) go on; the mark itself stays.
     void endGate();
@@ -40,7 +47,11 @@ public:
     bool held(int64_t pid) const;
 
 private:
-    int m_fd = -1;
+    void release();
+
+    MarkEntry* m_entry = nullptr;
+    Use m_gate = Use::Open;
+    bool m_gated = false;
 };
 
 }  // namespace recman
