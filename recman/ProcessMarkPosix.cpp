@@ -1,6 +1,7 @@
 #if !defined(_WIN32)
 
 #include "recman/ProcessMark.h"
+#include "recman/RegularFile.h"
 
 #include <cerrno>
 #include <map>
@@ -79,17 +80,12 @@ MarkEntry* acquire(const std::string& path, const platform::FileIdentity& seen)
         ++it->second->refs;
         return it->second;
     }
-    // Non-blocking: should the path have turned into a FIFO or device, opening it cannot hang.
-    int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    if (fd < 0)
-        fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    if (fd < 0)
-        return nullptr;
     struct stat st;
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
+    int fd = openRegularFile(path.c_str(), O_RDWR, st);
+    if (fd < 0)
+        fd = openRegularFile(path.c_str(), O_RDONLY, st);
+    if (fd < 0)
         return nullptr;
-    }
     // Replaced since it was looked at: the descriptor is another file's, which may already be in
     // use here; then it stays open with that file's entry rather than dropping its locks.
     MarkEntry*& e = g_entries[identityOf(st)];

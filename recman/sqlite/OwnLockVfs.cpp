@@ -1,5 +1,7 @@
 #include "recman/sqlite/OwnLockVfs.h"
 
+#include "recman/RegularFile.h"
+
 #if defined(_WIN32)
 
 namespace recman::sqlite {
@@ -365,19 +367,15 @@ int vfsOpen(sqlite3_vfs*, const char* name, sqlite3_file* f, int flags, int* out
     if (!name || !(flags & SQLITE_OPEN_MAIN_DB))
         return g_unix->xOpen(g_unix, name, f, flags, outFlags);
     f->pMethods = nullptr;
-    int oflags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK | ((flags & SQLITE_OPEN_READWRITE) ? O_RDWR : O_RDONLY);
+    int oflags = (flags & SQLITE_OPEN_READWRITE) ? O_RDWR : O_RDONLY;
     if (flags & SQLITE_OPEN_CREATE)
         oflags |= O_CREAT;
     if (flags & SQLITE_OPEN_EXCLUSIVE)
         oflags |= O_EXCL;
-    const int fd = ::open(name, oflags, 0644);
+    struct stat st;
+    const int fd = openRegularFile(name, oflags, st);
     if (fd < 0)
         return SQLITE_CANTOPEN;
-    struct stat st;
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
-        return SQLITE_CANTOPEN;
-    }
     OwnFile* o = new (f) OwnFile;
     o->base.pMethods = &g_methods;
     o->fd = fd;
