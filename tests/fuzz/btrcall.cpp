@@ -14,8 +14,10 @@
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include <signal.h>
 #include <unistd.h>
 
 namespace {
@@ -26,7 +28,8 @@ constexpr size_t kBlock = 128;
 constexpr size_t kKeyBuffer = 255;
 constexpr int kCallsPerInput = 6;
 constexpr size_t kMissing = 4;          // index of the path no file is kept at
-constexpr int kInputsPerReset = 2000;  // files are made afresh now and then, so they stay small
+constexpr int kInputsPerReset = 2000;
+constexpr std::string_view kDirPrefix = "tarsel-fuzz-btrcall-";  // files are made afresh now and then, so they stay small
 
 const uint16_t kOffered[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 24, 26, 27, 33, 34, 35};
 const int16_t kStatuses[] = {0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 18, 20, 21, 22, 24, 25,
@@ -132,8 +135,15 @@ void makeFiles(World& w) {
 
 World& world() {
     static World* w = [] {
+        // Directories of earlier runs that ended without cleaning up (killed, or left by _Exit).
+        std::error_code ec;
+        for (const auto& entry : fs::directory_iterator(fs::temp_directory_path(), ec)) {
+            const std::string name = entry.path().filename().string();
+            if (name.rfind(kDirPrefix, 0) == 0 && ::kill(pid_t(std::atol(name.c_str() + kDirPrefix.size())), 0) != 0)
+                fs::remove_all(entry.path(), ec);
+        }
         auto* fresh = new World;
-        fresh->dir = fs::temp_directory_path() / ("tarsel-fuzz-btrcall-" + std::to_string(::getpid()));
+        fresh->dir = fs::temp_directory_path() / (std::string(kDirPrefix) + std::to_string(::getpid()));
         fs::create_directories(fresh->dir);
         for (const char* name : {"fixed.dat", "variable.dat", "keyless.dat", "scratch.dat", "missing.dat"})
             fresh->paths.push_back((fresh->dir / name).string());
@@ -193,13 +203,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const uint8_t keyKind = in.byte();
         void* keyPtr = keyKind % 8 == 0 ? nullptr : key.data();
         const uint16_t base = op % 100;
+        uint8_t keyLength = 0;
         if (base == 0 || base == 14) {
+            // The whole path, however the length reads it: a path cut short would name files
+            // outside the directory (a prefix of its own name, or "/t").
             const std::string& p = w.paths[keyKind % w.paths.size()];
             std::memcpy(key.data(), p.data(), std::min(p.size(), kKeyBuffer - 1));
+            const uint8_t lengths[] = {0, uint8_t(p.size()), uint8_t(p.size() + 1), 255};
+            keyLength = lengths[in.byte() % 4];
         } else {
             in.fill(key.data(), in.byte() % 24);
+            keyLength = in.byte();
         }
-        const uint8_t keyLength = in.byte();
         const int8_t keyNumber = int8_t(in.byte());
 
         // The data buffer: exactly as large as the length the call is told.
