@@ -42,6 +42,12 @@ inline int ofdHolder(int fd, short type, off_t at)
     return ::fcntl(fd, F_OFD_GETLK, &fl) == 0 ? fl.l_type : -1;
 }
 
+// Descriptors that hold such locks, closed in every child forked later: a child would share
+// their open file descriptions, and with them the locks, for as long as it lives.
+void keepFromChildren(int fd);
+// Closes a descriptor kept from children.
+void closeKept(int fd);
+
 }  // namespace recman::sqlite
 
 #endif

@@ -29,6 +29,7 @@ int OwnLockShm::attach(mode_t mode)
     m_fd = ::open(m_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, mode);
     if (m_fd < 0)
         return SQLITE_CANTOPEN;
+    keepFromChildren(m_fd);
     int rc = SQLITE_OK;
     const int holder = ofdHolder(m_fd, F_WRLCK, DmsByte);
     if (holder < 0) {
@@ -111,7 +112,7 @@ void OwnLockShm::unmap(bool deleteFile)
         ::munmap(r, m_regionSize);
     m_regions.clear();
     if (m_fd >= 0) {
-        ::close(m_fd);  // drops every WAL lock this connection held
+        closeKept(m_fd);  // drops every WAL lock this connection held
         if (deleteFile)
             ::unlink(m_path.c_str());
     }

@@ -223,9 +223,9 @@ int ioClose(sqlite3_file* f)
 {
     OwnFile& o = own(f);
     o.shm.unmap(false);
-    // Unlock before closing: a process forked meanwhile may still share the description.
+    // Unlock before closing, should a child forked meanwhile not have closed its copy yet.
     ofdLock(o.fd, F_UNLCK, PendingByte, 2 + SharedSize);
-    ::close(o.fd);
+    closeKept(o.fd);
     o.~OwnFile();
     return SQLITE_OK;
 }
@@ -244,6 +244,7 @@ int vfsOpen(sqlite3_vfs*, const char* name, sqlite3_file* f, int flags, int* out
     const int fd = openRegularFile(name, oflags, st);
     if (fd < 0)
         return SQLITE_CANTOPEN;
+    keepFromChildren(fd);
     OwnFile* o = new (f) OwnFile;
     o->base.pMethods = &g_methods;
     o->fd = fd;

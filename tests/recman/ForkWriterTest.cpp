@@ -6,6 +6,9 @@
 
 #include <sqlite3.h>
 
+#include <csignal>
+#include <filesystem>
+
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -143,6 +146,52 @@ TEST_P(ForkWriter, EveryAcknowledgedInsertSurvivesTheParentsClose) {
     EXPECT_EQ(byKey.size(), check.stepAll().size());
     ASSERT_EQ(st::Ok, check.close());
     EXPECT_EQ("ok", integrity(file));
+}
+
+// A forked writer forks again and is killed; the process it forked lives on with copies of its
+// descriptors. The writer's store locks must still end with it: the last close of the file then
+// folds the log in and removes the companion files.
+TEST(ForkedWriterKilled, ItsStoreLocksEndWithItNotWithItsChildren) {
+    testsupport::TempDir dir;
+    const std::string file = dir.file("file.dat");
+    ASSERT_EQ(st::Ok, create(file, twoKeyFile()));
+    int ready[2], hold[2];
+    ASSERT_EQ(0, ::pipe(ready));
+    ASSERT_EQ(0, ::pipe(hold));
+    pid_t writer = ::fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+        ::close(ready[0]);
+        ::close(hold[1]);
+        Handle h;
+        if (h.open(file) != st::Ok || h.insert(twoKeyRecord(1, 1, 1)) != st::Ok)
+            ::_exit(1);
+        if (::fork() == 0) {
+            // Tells the test it runs (its fork handlers done), then waits until the test is done.
+            char byte = 'g';
+            if (::write(ready[1], &byte, 1) != 1 || ::read(hold[0], &byte, 1) < 0)
+                ::_exit(1);
+            ::_exit(0);
+        }
+        for (;;)
+            ::pause();
+    }
+    ::close(ready[1]);
+    ::close(hold[0]);
+    char byte = 0;
+    ASSERT_EQ(1, ::read(ready[0], &byte, 1)) << "the writer's child did not start";
+    ::kill(writer, SIGKILL);
+    ASSERT_EQ(writer, ::waitpid(writer, nullptr, 0));
+
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(file));
+    ASSERT_EQ(st::Ok, h.insert(twoKeyRecord(2, 2, 2)));
+    EXPECT_EQ(2u, h.count());
+    ASSERT_EQ(st::Ok, h.close());
+    EXPECT_FALSE(std::filesystem::exists(file + "-wal")) << "the last close could not take the file";
+    EXPECT_FALSE(std::filesystem::exists(file + "-shm"));
+    ::close(hold[1]);  // the writer's child ends
+    ::close(ready[0]);
 }
 
 INSTANTIATE_TEST_SUITE_P(BothOrders, ForkWriter,
