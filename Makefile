@@ -9,7 +9,7 @@ FUZZ_SECONDS ?= 180
 PACKAGES   = cmake g++ make pkg-config libsqlite3-dev libgtest-dev libgmock-dev libbenchmark-dev \
              clang libclang-rt-14-dev
 
-.PHONY: all deps build demo test test-normal test-install test-sanitize bench fuzz clean
+.PHONY: all deps build demo test test-normal test-install test-sanitize bench fuzz soak clean
 
 all: build
 
@@ -82,6 +82,13 @@ fuzz: deps $(ASAN_BUILD)/CMakeCache.txt
 	  mkdir -p $$out; echo "== $$name for $(FUZZ_SECONDS) s"; \
 	  $$f $$out tests/fuzz/corpus/$$name -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 || exit 1; \
 	done
+
+# A long crash storm on the record manager: 1000 SIGKILLs among its writers, then the figures
+# (kills, acknowledged calls, lost, phantom).
+SOAK_KILLS ?= 1000
+soak: deps $(BUILD)/CMakeCache.txt
+	cmake --build $(BUILD) --target test_reliability -j $(JOBS)
+	TARSEL_STORM_KILLS=$(SOAK_KILLS) ./$(BUILD)/tests/test_reliability --gtest_filter='CrashStorm.*'
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD)

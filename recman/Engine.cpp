@@ -20,6 +20,12 @@ constexpr uint64_t PositionSignature = 0x314B4C4252535254ull;  // "TRSRBLK1"
 std::atomic<Engine*> g_engine{nullptr};
 std::once_flag g_atforkOnce;
 
+// Ends an Open's hold on the replace gate, however the Open ends.
+struct EndGate {
+    SharedFile& file;
+    ~EndGate() { file.mark.endGate(); }
+};
+
 }  // namespace
 
 std::string pathFromKey(const void* key, uint8_t keyLength)
@@ -32,18 +38,20 @@ std::string pathFromKey(const void* key, uint8_t keyLength)
     return std::string(p, nul ? static_cast<const char*>(nul) - p : n);
 }
 
-Engine::Engine()
+Engine::Engine(bool forkedChild)
     : m_token(platform::randomToken()), m_pid(platform::currentProcessId()),
-      m_startToken(platform::processStartToken(m_pid)), m_store(makeDefaultStore())
+      m_startToken(platform::processStartToken(m_pid)), m_store(makeDefaultStore(forkedChild))
 {
 }
 
 void Engine::afterForkInChild()
 {
     // The parent's engine stays allocated and untouched: its connections belong to the parent.
+    // They are never used, finalised or closed here, and the child's own connections keep apart
+    // from the store state they left in the process.
     Engine* parent = g_engine.exchange(nullptr);
     if (parent) {
-        Engine* child = new Engine();
+        Engine* child = new Engine(true);
         child->m_abandoned = parent;
         g_engine.store(child);
     }
@@ -56,7 +64,7 @@ Engine& Engine::instance()
     if (e)
         return *e;
     std::call_once(g_atforkOnce, [] { platform::callInChildAfterFork(&Engine::afterForkInChild); });
-    Engine* fresh = new Engine();
+    Engine* fresh = new Engine(false);
     if (!g_engine.compare_exchange_strong(e, fresh)) {
         delete fresh;
         return *e;
@@ -167,8 +175,9 @@ Status Engine::stat(Handle& h, const CallArgs& a)
     return StatusOk;
 }
 
-Status Engine::registerHandle(StoreFile& store, const Owner& owner, bool exclusive)
+Status Engine::registerHandle(SharedFile& file, const Owner& owner, bool exclusive)
 {
+    StoreFile& store = *file.store;
     ops::Transaction txn(store);
     if (const Status s = txn.begin(); s != StatusOk)
         return s;
@@ -177,7 +186,7 @@ Status Engine::registerHandle(StoreFile& store, const Owner& owner, bool exclusi
         return s;
     bool othersOpen = false;
     for (const auto& [o, excl] : owners) {
-        if (!ownerAlive(o)) {
+        if (!ownerAlive(o, file.mark)) {
             if (const Status s = store.removeOwner(o); s != StatusOk)
                 return s;
             continue;
@@ -200,12 +209,12 @@ Status Engine::open(const CallArgs& a)
     const std::string path = pathFromKey(a.key, a.keyLength);
     if (path.empty())
         return StatusBadPath;
+    // A FIFO, device or socket is never opened, not even to be looked at: like a directory, it
+    // is no file. The mark holds the gate: the path names this file until the handle is registered.
     platform::FileIdentity id;
-    const platform::PathKind kind = platform::inspectPath(path, id);
-    if (kind == platform::PathKind::Missing || kind == platform::PathKind::Directory)
+    ProcessMark mark;
+    if (mark.attach(path, ProcessMark::Use::Open, id) != platform::PathKind::File)
         return StatusFileNotFound;
-    if (kind != platform::PathKind::File)
-        return StatusNotEngineFile;
     const bool readOnly = a.keyNumber == ModeReadOnly;
     const bool writable = platform::canWrite(path);
     if (!platform::canRead(path) || (!readOnly && !writable))
@@ -216,12 +225,14 @@ Status Engine::open(const CallArgs& a)
     h->owner = Owner{m_pid, m_startToken, 0};
     h->file = acquireFile(id);
     std::lock_guard<std::mutex> fileLock(h->file->mutex);
+    const EndGate endGate{*h->file};
     if (!h->file->store) {
         if (const Status s = m_store->open(path, writable, h->file->store); s != StatusOk) {
             releaseFile(id, h->file);
             return s;
         }
         h->file->writable = writable;
+        h->file->mark = std::move(mark);
     }
     {
         std::lock_guard<std::mutex> lock(m_mutex);
@@ -229,7 +240,7 @@ Status Engine::open(const CallArgs& a)
     }
     h->owner.handle = h->number;
     if (h->file->writable) {
-        if (const Status s = registerHandle(*h->file->store, h->owner, a.keyNumber == ModeExclusive); s != StatusOk) {
+        if (const Status s = registerHandle(*h->file, h->owner, a.keyNumber == ModeExclusive); s != StatusOk) {
             releaseFile(id, h->file);
             return s;
         }

@@ -26,7 +26,7 @@ public:
     Status call(const CallArgs& a);
 
 private:
-    Engine();
+    explicit Engine(bool forkedChild);
 
     Status open(const CallArgs& a);
     Status close(const CallArgs& a);
@@ -38,7 +38,7 @@ private:
     std::shared_ptr<Handle> lookup(const void* posBlock);
     std::shared_ptr<SharedFile> acquireFile(const platform::FileIdentity& id);
     void releaseFile(const platform::FileIdentity& id, const std::shared_ptr<SharedFile>& file);
-    Status registerHandle(StoreFile& store, const Owner& owner, bool exclusive);
+    Status registerHandle(SharedFile& file, const Owner& owner, bool exclusive);
 
     static void afterForkInChild();
 

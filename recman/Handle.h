@@ -17,7 +17,8 @@ namespace recman {
 // One process's use of one file: the store connection its handles share.
 struct SharedFile {
     std::mutex mutex;
-    std::unique_ptr<StoreFile> store;  // opened by the first handle
+    ProcessMark mark;                  // taken by the first handle, before the store opens
+    std::unique_ptr<StoreFile> store;  // opened by the first handle; closed before the mark goes
     bool writable = false;
     int refs = 0;                      // handles and opens under way; guarded by the engine's mutex
 };

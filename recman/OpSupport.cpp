@@ -11,7 +11,7 @@ Status checkLockConflict(StoreFile& store, Handle& h, int64_t recno)
     for (const Owner& o : h.holders) {
         if (o == h.owner)
             continue;
-        if (ownerAlive(o))
+        if (ownerAlive(o, h.file->mark))
             return StatusRecordLocked;
         if (const Status s = store.removeOwner(o); s != StatusOk)
             return s;

@@ -9,6 +9,7 @@
 
 #include "recman/Codes.h"
 #include "recman/FileSpec.h"
+#include "recman/ProcessMark.h"
 
 #include <cstdint>
 #include <memory>
@@ -100,10 +101,12 @@ public:
     virtual Status open(const std::string& path, bool writable, std::unique_ptr<StoreFile>& out) = 0;
 };
 
-// The store this build uses.
-std::unique_ptr<Store> makeDefaultStore();
+// The store this build uses. A forked child's store shares no store state with what the process
+// inherited from its parent.
+std::unique_ptr<Store> makeDefaultStore(bool forkedChild);
 
-// True while the owner's process runs.
-bool ownerAlive(const Owner& owner);
+// True while the owner's process runs: its id and start token still name a running process, and
+// it still holds its mark on the file (`mark` is this process's descriptor on that file).
+bool ownerAlive(const Owner& owner, const ProcessMark& mark);
 
 }  // namespace recman

@@ -5,8 +5,17 @@
 
 namespace recman {
 
-std::unique_ptr<Store> makeDefaultStore() { return std::make_unique<sqlite::SqliteStore>(); }
+std::unique_ptr<Store> makeDefaultStore(bool forkedChild)
+{
+    return std::make_unique<sqlite::SqliteStore>(forkedChild);
+}
 
-bool ownerAlive(const Owner& owner) { return platform::processAlive(owner.pid, owner.startToken); }
+bool ownerAlive(const Owner& owner, const ProcessMark& mark)
+{
+    if (!platform::processAlive(owner.pid, owner.startToken))
+        return false;
+    // This process's own mark is not seen through its own descriptor; it runs, as asked.
+    return owner.pid == platform::currentProcessId() || mark.held(owner.pid);
+}
 
 }  // namespace recman

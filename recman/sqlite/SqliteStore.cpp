@@ -1,6 +1,7 @@
 #include "recman/sqlite/SqliteStore.h"
 
 #include "recman/Platform.h"
+#include "recman/sqlite/OwnLockVfs.h"
 #include "recman/sqlite/SqliteFile.h"
 
 #include <cstdio>
@@ -54,11 +55,11 @@ void configure(sqlite3* db)
 }
 
 // Opens `path` when it is a file of this engine; the status tells why not.
-Status openConnection(const std::string& path, bool writable, sqlite3*& db, FileSpec& spec)
+Status openConnection(const std::string& path, const char* vfs, bool writable, sqlite3*& db, FileSpec& spec)
 {
     ConnectionGuard g;
     const int flags = (writable ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) | SQLITE_OPEN_NOMUTEX;
-    int rc = sqlite3_open_v2(path.c_str(), &g.db, flags, nullptr);
+    int rc = sqlite3_open_v2(path.c_str(), &g.db, flags, vfs);
     if (rc != SQLITE_OK)
         return (rc & 0xFF) == SQLITE_CANTOPEN ? StatusAccessDenied : StatusStoreFailure;
     configure(g.db);
@@ -82,27 +83,27 @@ Status openConnection(const std::string& path, bool writable, sqlite3*& db, File
 }
 
 // True when a live handle of any process has the file at `path` open.
-bool openSomewhere(const std::string& path)
+bool openSomewhere(const std::string& path, const char* vfs, const ProcessMark& mark)
 {
     sqlite3* db = nullptr;
     FileSpec spec;
-    if (openConnection(path, false, db, spec) != StatusOk)
+    if (openConnection(path, vfs, false, db, spec) != StatusOk)
         return false;  // not ours: nobody has it open through this engine
     SqliteFile file(db, std::move(spec));
     std::vector<std::pair<Owner, bool>> owners;
     if (file.openHandles(owners) != StatusOk)
         return true;
     for (const auto& o : owners)
-        if (ownerAlive(o.first))
+        if (ownerAlive(o.first, mark))
             return true;
     return false;
 }
 
-Status buildFile(const std::string& path, const FileSpec& spec)
+Status buildFile(const std::string& path, const char* vfs, const FileSpec& spec)
 {
     ConnectionGuard g;
     int rc = sqlite3_open_v2(path.c_str(), &g.db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
-                             nullptr);
+                             vfs);
     if (rc != SQLITE_OK)
         return createStatus(rc);
     configure(g.db);
@@ -121,16 +122,28 @@ Status buildFile(const std::string& path, const FileSpec& spec)
 
 }  // namespace
 
+SqliteStore::SqliteStore(bool forkedChild)
+{
+    // Registered in every process, so that a child forked later finds it without taking SQLite's locks.
+    const char* vfs = ownLockVfs();
+    if (forkedChild)
+        m_vfs = vfs;
+}
+
 Status SqliteStore::create(const std::string& path, const FileSpec& spec, bool replace)
 {
+    // Only a regular file is ever replaced; nothing else at the path is opened. Replacing holds
+    // the gate (ProcessMark.h) from the check for handles to the rename, so no Open slips between.
     platform::FileIdentity id;
-    const platform::PathKind kind = platform::inspectPath(path, id);
-    if (kind == platform::PathKind::Directory)
+    ProcessMark gate;
+    const platform::PathKind kind =
+        replace ? gate.attach(path, ProcessMark::Use::Replace, id) : platform::inspectPath(path, id);
+    if (kind == platform::PathKind::Directory || kind == platform::PathKind::Other)
         return StatusCreateFailed;
     if (kind != platform::PathKind::Missing) {
         if (!replace)
             return StatusFileExists;
-        if (openSomewhere(path))
+        if (openSomewhere(path, m_vfs, gate))
             return StatusCreateFailed;
     }
     // The new file is built beside the old one under a short name, then renamed over it.
@@ -138,7 +151,7 @@ Status SqliteStore::create(const std::string& path, const FileSpec& spec, bool r
     std::snprintf(name, sizeof name, ".recman-%lld-%llx", static_cast<long long>(platform::currentProcessId()),
                   static_cast<unsigned long long>(platform::randomToken()));
     const std::string temp = platform::siblingPath(path, name);
-    const Status s = buildFile(temp, spec);
+    const Status s = buildFile(temp, m_vfs, spec);
     if (s == StatusOk) {
         std::remove((path + "-wal").c_str());
         std::remove((path + "-shm").c_str());
@@ -156,7 +169,7 @@ Status SqliteStore::open(const std::string& path, bool writable, std::unique_ptr
 {
     sqlite3* db = nullptr;
     FileSpec spec;
-    const Status s = openConnection(path, writable, db, spec);
+    const Status s = openConnection(path, m_vfs, writable, db, spec);
     if (s != StatusOk)
         return s;
     out = std::make_unique<SqliteFile>(db, std::move(spec));

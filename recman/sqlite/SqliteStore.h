@@ -8,8 +8,15 @@ namespace recman::sqlite {
 
 class SqliteStore final : public Store {
 public:
+    // `forkedChild`: connections keep their locks to themselves (OwnLockVfs.h), as a process
+    // forked from one with open files needs.
+    explicit SqliteStore(bool forkedChild);
+
     Status create(const std::string& path, const FileSpec& spec, bool replace) override;
     Status open(const std::string& path, bool writable, std::unique_ptr<StoreFile>& out) override;
+
+private:
+    const char* m_vfs = nullptr;  // null: SQLite's default
 };
 
 }  // namespace recman::sqlite
