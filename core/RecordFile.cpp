@@ -130,11 +130,11 @@ int RERecordFileEngine::_GetEqualMatch(const char* key, void* rec) {
     return 1;
 }
 
-int16_t RERecordFileEngine::_WriteStatus(uint16_t op, const void* rec) {
+int16_t RERecordFileEngine::_WriteStatus(uint16_t op, const void* rec, bool convert) {
     if (rec == nullptr)
         return kStatusInvalidOperation;
     void* buffer = const_cast<void*>(rec);  // the record manager reads a written record only
-    if (m_isOldFormat && m_spec->toOld != nullptr && !m_spec->writeUnconverted) {
+    if (convert && m_isOldFormat && m_spec->toOld != nullptr && !m_spec->writeUnconverted) {
         m_spec->toOld(rec, _Scratch());
         buffer = _Scratch();
     }

@@ -162,14 +162,12 @@ int REMaintFile::GetMillTitles(char* titles) {
 
 int REMaintFile::UpdateRecord(MAINTRECORD& rec) {
     GetExactMatch(Text(rec.szSection).c_str(), Text(rec.szItem).c_str(), rec.fSeq, nullptr);
-    int16_t status;
+    const int16_t status = _WriteStatus(kOpUpdate, &rec);
     if (m_isOldFormat) {
+        // The caller's record comes back as the old layout holds it.
         OLD_MAINTRECORD old;
         _ConvertToOldRecordFormat(&rec, &old);
-        status = Btrieve(kOpUpdate, &old);
         _ConvertToNewRecordFormat(&old, &rec);
-    } else {
-        status = Btrieve(kOpUpdate, &rec);
     }
     if (status != kStatusSuccess) {
         ShowErrorMessage(MaintFileTraits::kMessages.unknownError, status);

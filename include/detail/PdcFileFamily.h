@@ -31,8 +31,7 @@ protected:
 
     // Insert or Update with the caller's record, without old-layout conversion.
     int _WriteAsGiven(uint16_t op, const Record& rec) {
-        Record copy = rec;
-        return this->_Judge(op, this->Btrieve(op, &copy));
+        return this->_Judge(op, this->_WriteStatus(op, &rec, false));
     }
 
     // A read by key: key `keyNumber`, key value the first `length` bytes of `key`, operation

@@ -63,9 +63,9 @@ public:
     // returns the status as it is, judging nothing: for the operations whose statuses the class
     // tells apart itself (a record in use, say).
     int16_t _CallStatus(unsigned op, void* rec);
-    // A write (Insert, Update) of a current-layout record, converted when the file is old; the
-    // status as it is.
-    int16_t _WriteStatus(uint16_t op, const void* rec);
+    // A write (Insert, Update) of a current-layout record, converted when the file is old (unless
+    // `convert` is false: the record goes as given); the status as it is.
+    int16_t _WriteStatus(uint16_t op, const void* rec, bool convert = true);
     // The one judgement of a status: 1 for success; otherwise 0, after the class's message for
     // the statuses that are reported (REStatusIsReported).
     int _Judge(unsigned op, int16_t status) const;

@@ -41,10 +41,10 @@ protected:
     int16_t _StepDeleteAll() {
         std::vector<unsigned char> rec(sizeof(REC));
         this->SetKeyNumber(0);
-        int16_t status = this->Btrieve(REBtrieveBase::kOpStepFirst, rec.data());
+        int16_t status = this->_CallStatus(REBtrieveBase::kOpStepFirst, rec.data());
         while (status == REBtrieveBase::kStatusSuccess) {
-            this->Btrieve(REBtrieveBase::kOpDelete, rec.data());
-            status = this->Btrieve(REBtrieveBase::kOpStepNext, rec.data());
+            this->_CallStatus(REBtrieveBase::kOpDelete, rec.data());
+            status = this->_CallStatus(REBtrieveBase::kOpStepNext, rec.data());
         }
         return status;
     }
