@@ -18,6 +18,24 @@ int64_t ReadSigned(const uint8_t* at, uint32_t size) {
     return static_cast<int64_t>(value);
 }
 
+// A 4- or 8-byte floating-point value at `from` into a 4- or 8-byte one at `to`.
+void ConvertReal(const uint8_t* from, uint32_t fromSize, uint8_t* to, uint32_t toSize) {
+    double value;
+    if (fromSize == sizeof(float)) {
+        float narrow;
+        std::memcpy(&narrow, from, sizeof narrow);
+        value = narrow;
+    } else {
+        std::memcpy(&value, from, sizeof value);
+    }
+    if (toSize == sizeof(float)) {
+        const float narrow = static_cast<float>(value);
+        std::memcpy(to, &narrow, sizeof narrow);
+    } else {
+        std::memcpy(to, &value, sizeof value);
+    }
+}
+
 void WriteSigned(uint8_t* at, uint32_t size, int64_t value) {
     for (uint32_t i = 0; i < size; ++i)
         at[i] = static_cast<uint8_t>(static_cast<uint64_t>(value) >> (8 * i));
@@ -52,6 +70,9 @@ void FieldToNew(const REField& f, const uint8_t* oldRec, uint8_t* newRec) {
         case REFieldRule::kCopy:
             std::memcpy(to, from, std::min(f.newSize, f.oldSize));
             break;
+        case REFieldRule::kReal:
+            ConvertReal(from, f.oldSize, to, f.newSize);
+            break;
         case REFieldRule::kRecord:
             REConvertToNew(*f.nested, from, to);
             break;
@@ -82,6 +103,9 @@ void FieldToOld(const REField& f, const uint8_t* newRec, uint8_t* oldRec, uint32
             break;
         case REFieldRule::kCopy:
             std::memcpy(to, from, std::min(f.newSize, f.oldSize));
+            break;
+        case REFieldRule::kReal:
+            ConvertReal(from, f.newSize, to, f.oldSize);
             break;
         case REFieldRule::kRecord:
             REConvertToOld(*f.nested, from, to);

@@ -33,6 +33,7 @@ enum class REFieldRule : uint8_t {
                  // fields (never past the record)
     kNumber,   // signed integer: sign-extended toward new, cut toward old
     kCopy,     // bytes as they are, for the shorter of the two widths
+    kReal,     // floating point: widened (4 -> 8 bytes) or narrowed, or copied at equal widths
     kRecord,   // sub-record converted by its own table, element by element
     kCustom,   // element by element through the entry's own converters
     kNewOnly,  // only in the current layout: zero after conversion, not written to old
@@ -119,6 +120,11 @@ constexpr REField Make(const char* name, REFieldKind kind, REFieldRule rule, siz
     refield::Make(#field, REFieldKind::kind, REFieldRule::kNumber, offsetof(Record, field),                    \
                   refield::ElementSize<decltype(Record::field)>(), offsetof(OldRecord, field),                  \
                   refield::ElementSize<decltype(OldRecord::field)>(), REFieldExtent<decltype(Record::field)>::kCount)
+// A floating-point field (or array) whose width may differ between the layouts.
+#define RE_REAL(field)                                                                                        \
+    refield::Make(#field, REFieldKind::kReal, REFieldRule::kReal, offsetof(Record, field),                    \
+                  refield::ElementSize<decltype(Record::field)>(), offsetof(OldRecord, field),                  \
+                  refield::ElementSize<decltype(OldRecord::field)>(), REFieldExtent<decltype(Record::field)>::kCount)
 // A field copied as it is (reals, opaque values, arrays of them).
 #define RE_COPY(field, kind)                                                                                    \
     refield::Make(#field, REFieldKind::kind, REFieldRule::kCopy, offsetof(Record, field), sizeof(Record::field), \
@@ -159,6 +165,8 @@ constexpr bool REFieldsFit(std::span<const REField> fields, size_t newSize, size
         if (oldSize == 0 || f.oldOffset + f.oldSize * f.count > oldSize)
             return false;
         if (f.rule == REFieldRule::kNumber && (f.newSize > 8 || f.oldSize > 8 || f.newSize < f.oldSize))
+            return false;
+        if (f.rule == REFieldRule::kReal && ((f.newSize != 4 && f.newSize != 8) || (f.oldSize != 4 && f.oldSize != 8)))
             return false;
         if (f.rule == REFieldRule::kRecord && (f.nested == nullptr || f.nested->newSize != f.newSize ||
                                               f.nested->oldSize != f.oldSize))

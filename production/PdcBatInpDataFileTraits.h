@@ -20,7 +20,7 @@ struct PdcBatInpDataFileTraits : PdcFileTraits {
         RE_MARK(sMark18, sMark18),
         RE_PDC_TRIMMED(sText35),
         RE_PDC_DATE(dDate39),
-        RE_PDC_REAL(dValue47),
+        RE_REAL(dValue47),
     };
     static constexpr REFieldTable kFieldTable = PdcFieldTable(kFields, sizeof(Record), sizeof(OldRecord));
 };

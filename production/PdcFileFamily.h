@@ -1,7 +1,7 @@
 // What the production data-collection files tell the record-file machinery alike: positional
 // reads on the current key, old layouts that are read but never written, keys that allow
 // duplicates, and the field converters of their old layouts (marks, dates stored as text,
-// short reals, trimmed texts and texts joined from several old fields).
+// trimmed texts and texts joined from several old fields).
 #pragma once
 
 #include "RESharedHelpers.h"
@@ -40,15 +40,6 @@ inline int PdcOldDateToNew(const void* oldDate, void* newDate) {
     double date = 0.0;
     ConvertOldDateToNew(text, date);
     std::memcpy(newDate, &date, sizeof date);
-    return 1;
-}
-
-// A 32-bit real widened to 64 bits.
-inline int PdcRealToDouble(const void* oldReal, void* newReal) {
-    float value;
-    std::memcpy(&value, oldReal, sizeof value);
-    const double widened = value;
-    std::memcpy(newReal, &widened, sizeof widened);
     return 1;
 }
 
@@ -97,7 +88,6 @@ inline bool PdcSameText(const char* field, size_t width, const std::string& name
 
 // Field-table entries of these conversions (inside a traits struct naming Record, OldRecord).
 #define RE_PDC_DATE(field) RE_CUSTOM(field, field, kDate, &PdcOldDateToNew, nullptr)
-#define RE_PDC_REAL(field) RE_CUSTOM(field, field, kReal, &PdcRealToDouble, nullptr)
 #define RE_PDC_TRIMMED(field) \
     RE_CUSTOM(field, field, kText, (&PdcTrimmedText<sizeof(OldRecord::field), sizeof(Record::field)>), nullptr)
 #define RE_PDC_JOINED(field, oldParts)                                                                 \

@@ -1,6 +1,6 @@
 // Fields of the production records as entries of a field table: the piece mark, converted
 // toward the current layout and never written toward the old one, and the old single-precision
-// numbers, kept in sortable form or widened to double precision.
+// numbers kept in sortable form.
 #pragma once
 
 #include "REPdcMarkText.h"
@@ -22,18 +22,7 @@ inline int RESortableFloatToNew(const void* oldValue, void* newValue) {
     return 1;
 }
 
-// A single-precision number widened to double precision.
-inline int REFloatToDouble(const void* oldValue, void* newValue) {
-    float value;
-    std::memcpy(&value, oldValue, sizeof value);
-    const double wide = value;
-    std::memcpy(newValue, &wide, sizeof wide);
-    return 1;
-}
-
 // A mark field of both layouts; `oldField` names it in the old record.
 #define RE_MARK(field, oldField) RE_CUSTOM(field, oldField, kText, &REMarkToNew, nullptr)
 // An array of sortable old numbers, decoded element by element.
 #define RE_SORTABLE_FLOAT(field) RE_CUSTOM_EACH(field, field, kReal, &RESortableFloatToNew, nullptr)
-// An array of old floats, widened element by element into the current doubles.
-#define RE_WIDENED_FLOAT(field) RE_CUSTOM_EACH(field, field, kReal, &REFloatToDouble, nullptr)

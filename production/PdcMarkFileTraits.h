@@ -49,14 +49,14 @@ struct PdcMarkFileTraits {
         RE_MARK(szMark, szMark),
         RE_TEXT(szText137),
         RE_TEXT(szText23),
-        RE_WIDENED_FLOAT(dMeasure153),
+        RE_REAL(dMeasure153),
         RE_MARK(szSecondMark, szSecondMark),
-        RE_WIDENED_FLOAT(dMeasure209),
+        RE_REAL(dMeasure209),
         RE_TEXT(szText47),
         RE_TEXT(szText19),
-        RE_WIDENED_FLOAT(dMeasure225),
+        RE_REAL(dMeasure225),
         RE_TEXT(szText49),
-        RE_WIDENED_FLOAT(dMeasure249),
+        RE_REAL(dMeasure249),
     };
     static void NormaliseFlag(void* rec) { REPdcNormaliseFlag(static_cast<Record*>(rec)->szMainOrAcc); }
     static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), sizeof(OldRecord), &NormaliseFlag, true};

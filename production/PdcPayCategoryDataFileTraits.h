@@ -15,8 +15,8 @@ struct PdcPayCategoryDataFileTraits : PdcFileTraits {
     static constexpr REField kFields[] = {
         RE_TEXT(sPayCatCode),
         RE_TEXT(sDescription),
-        RE_PDC_REAL(dRate1),
-        RE_PDC_REAL(dRate2),
+        RE_REAL(dRate1),
+        RE_REAL(dRate2),
     };
     static constexpr REFieldTable kFieldTable = PdcFieldTable(kFields, sizeof(Record), sizeof(OldRecord));
 };

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -30,6 +31,17 @@ inline void FillOldFields(const REFieldTable& table, uint8_t* oldRec, std::mt199
                 for (uint32_t b = 0; b < f.oldSize; ++b)
                     at[b] = static_cast<uint8_t>('!' + random() % 94);
                 break;
+            case REFieldRule::kReal: {
+                // A finite value that survives widening and narrowing.
+                const float value = static_cast<float>(static_cast<int32_t>(random() % 200001) - 100000) / 8.0f;
+                if (f.oldSize == sizeof(float)) {
+                    std::memcpy(at, &value, sizeof value);
+                } else {
+                    const double wide = value;
+                    std::memcpy(at, &wide, sizeof wide);
+                }
+                break;
+            }
             default:
                 for (uint32_t b = 0; b < f.oldSize; ++b)
                     at[b] = static_cast<uint8_t>(random());

@@ -22,11 +22,13 @@ struct WideRecord {
     char sName[6];
     int16_t nPair[2];
     uint8_t reserved[3];
+    double fLength[2];
 };
 struct NarrowRecord {
     int16_t nCount;
     char sName[8];
     int8_t nPair[2];
+    float fLength[2];
 };
 #pragma pack(pop)
 
@@ -38,6 +40,7 @@ struct WideFields {
         RE_TEXT(sName),
         RE_NUMBER(nPair, kInteger),
         RE_NEW_ONLY(reserved, kBytes),
+        RE_REAL(fLength),
     };
     static constexpr REFieldTable kFieldTable = {kFields, sizeof(Record), sizeof(OldRecord)};
 };
@@ -52,6 +55,8 @@ TEST(FieldTable, NumbersWidenWithTheirSignAndTextsAreCutToTheNewWidth) {
     std::memcpy(old.sName, "ABCDEFG ", 8);
     old.nPair[0] = -1;
     old.nPair[1] = 100;
+    old.fLength[0] = 2.5f;
+    old.fLength[1] = -0.125f;
     WideRecord rec;
     std::memset(&rec, 0x55, sizeof rec);
     ASSERT_EQ(1, REConvertToNew(WideFields::kFieldTable, &old, &rec));
@@ -60,12 +65,16 @@ TEST(FieldTable, NumbersWidenWithTheirSignAndTextsAreCutToTheNewWidth) {
     EXPECT_EQ(-1, rec.nPair[0]);
     EXPECT_EQ(100, rec.nPair[1]);
     EXPECT_EQ(0, rec.reserved[0]);
+    EXPECT_EQ(2.5, double{rec.fLength[0]});
+    EXPECT_EQ(-0.125, double{rec.fLength[1]});
 
     rec.nCount = 70000;  // cut to its low 16 bits toward the old layout
     NarrowRecord back;
     ASSERT_EQ(1, REConvertToOld(WideFields::kFieldTable, &rec, &back));
     EXPECT_EQ(static_cast<int16_t>(70000 & 0xffff), back.nCount);
     EXPECT_EQ(0, std::memcmp(back.sName, "ABCDE   ", 8));
+    EXPECT_EQ(2.5f, float{back.fLength[0]});
+    EXPECT_EQ(-0.125f, float{back.fLength[1]});
     EXPECT_EQ(0, REConvertToNew(WideFields::kFieldTable, nullptr, &rec));
 }
 
