@@ -52,6 +52,16 @@ struct RecordWrite {
     std::vector<KeyEntry> keys;          // one per key
     std::vector<bool> keyValueChanged;    // update: the key's value changed (takes a new rank)
     std::vector<int64_t> autoValues;      // one per autoincrement field
+
+    // Of an update: whether a duplicates key takes a new value (and so a new rank), and whether
+    // any key's value changes at all.
+    void changes(const FileSpec& spec, bool& needRank, bool& keysChanged) const
+    {
+        for (size_t i = 0; i < spec.keys.size(); ++i) {
+            needRank = needRank || (spec.keys[i].duplicates && keys[i].present && keyValueChanged[i]);
+            keysChanged = keysChanged || keyValueChanged[i];
+        }
+    }
 };
 
 class StoreFile {

@@ -250,12 +250,8 @@ Status SqliteFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t&
 Status SqliteFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq)
 {
     seq = 0;
-    bool needRank = false;
-    bool keysChanged = false;
-    for (size_t i = 0; i < m_spec.keys.size(); ++i) {
-        needRank = needRank || (m_spec.keys[i].duplicates && rec.keys[i].present && rec.keyValueChanged[i]);
-        keysChanged = keysChanged || rec.keyValueChanged[i];
-    }
+    bool needRank = false, keysChanged = false;
+    rec.changes(m_spec, needRank, keysChanged);
     if (!keysChanged) {
         // Autoincrement fields are key segments, so they stay too: no index is touched.
         Statement* st = fixed(FUpdateData);
