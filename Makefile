@@ -7,7 +7,7 @@ BENCH_BUILD ?= build-bench
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 180
 PACKAGES   = cmake g++ make pkg-config libsqlite3-dev libgtest-dev libgmock-dev libbenchmark-dev \
-             clang libclang-rt-14-dev
+             clang libclang-rt-14-dev libpq-dev postgresql
 
 .PHONY: all deps build demo test test-normal test-install test-sanitize bench fuzz soak clean
 

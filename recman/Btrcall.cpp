@@ -58,3 +58,8 @@ extern "C" TARSEL_API int16_t BTRCALL(uint16_t operation, void* posBlock, void* 
         return StatusStoreFailure;
     }
 }
+
+TARSEL_API void RESetServer(const char* conninfo)
+{
+    recman::Engine::selectServer(conninfo);
+}

@@ -6,6 +6,7 @@
 #include "recman/RecordOps.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <cstring>
 
 namespace recman {
@@ -20,10 +21,30 @@ constexpr uint64_t PositionSignature = 0x314B4C4252535254ull;  // "TRSRBLK1"
 std::atomic<Engine*> g_engine{nullptr};
 std::once_flag g_atforkOnce;
 
-// Ends an Open's hold on the replace gate, however the Open ends.
-struct EndGate {
+// The server chosen for the process: TARSEL_SERVER until RESetServer says otherwise.
+std::mutex g_serverMutex;
+bool g_serverSet = false;
+std::string g_server;
+
+std::string chosenServer()
+{
+    std::lock_guard<std::mutex> lock(g_serverMutex);
+    if (!g_serverSet) {
+        const char* env = std::getenv("TARSEL_SERVER");
+        g_server = env ? env : "";
+        g_serverSet = true;
+    }
+    return g_server;
+}
+
+// Ends an Open's hold on the file, however the Open ends.
+struct EndOpen {
     SharedFile& file;
-    ~EndGate() { file.mark.endGate(); }
+    ~EndOpen()
+    {
+        if (file.store)
+            file.store->endOpen();
+    }
 };
 
 }  // namespace
@@ -40,8 +61,30 @@ std::string pathFromKey(const void* key, uint8_t keyLength)
 
 Engine::Engine(bool forkedChild)
     : m_token(platform::randomToken()), m_pid(platform::currentProcessId()),
-      m_startToken(platform::processStartToken(m_pid)), m_store(makeDefaultStore(forkedChild))
+      m_startToken(platform::processStartToken(m_pid)), m_forkedChild(forkedChild),
+      m_storeServer(chosenServer())
 {
+    m_store = makeStore(m_storeServer, forkedChild);
+}
+
+void Engine::selectServer(const char* conninfo)
+{
+    std::lock_guard<std::mutex> lock(g_serverMutex);
+    g_server = conninfo ? conninfo : "";
+    g_serverSet = true;
+}
+
+Store& Engine::store()
+{
+    const std::string server = chosenServer();
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (server != m_storeServer && m_files.empty()) {
+        // The old store may still serve an Open under way on another thread: it is kept.
+        m_retired.push_back(std::move(m_store));
+        m_store = makeStore(server, m_forkedChild);
+        m_storeServer = server;
+    }
+    return *m_store;
 }
 
 void Engine::afterForkInChild()
@@ -84,24 +127,24 @@ std::shared_ptr<Handle> Engine::lookup(const void* posBlock)
     return it == m_handles.end() ? nullptr : it->second;
 }
 
-std::shared_ptr<SharedFile> Engine::acquireFile(const platform::FileIdentity& id)
+std::shared_ptr<SharedFile> Engine::acquireFile(const std::string& key)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    std::shared_ptr<SharedFile>& f = m_files[id];
+    std::shared_ptr<SharedFile>& f = m_files[key];
     if (!f)
         f = std::make_shared<SharedFile>();
     ++f->refs;
     return f;
 }
 
-void Engine::releaseFile(const platform::FileIdentity& id, const std::shared_ptr<SharedFile>& file)
+void Engine::releaseFile(const std::string& key, const std::shared_ptr<SharedFile>& file)
 {
     bool last = false;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         last = --file->refs == 0;
         if (last) {
-            const auto it = m_files.find(id);
+            const auto it = m_files.find(key);
             if (it != m_files.end() && it->second == file)
                 m_files.erase(it);
         }
@@ -155,7 +198,7 @@ Status Engine::create(const CallArgs& a)
     FileSpec spec;
     if (const Status s = FileSpec::parse(a.dataBytes(), a.dataSize(), spec); s != StatusOk)
         return s;
-    return m_store->create(path, spec, a.keyNumber != CreateNoReplace);
+    return store().create(path, spec, a.keyNumber != CreateNoReplace);
 }
 
 Status Engine::stat(Handle& h, const CallArgs& a)
@@ -175,33 +218,6 @@ Status Engine::stat(Handle& h, const CallArgs& a)
     return StatusOk;
 }
 
-Status Engine::registerHandle(SharedFile& file, const Owner& owner, bool exclusive)
-{
-    StoreFile& store = *file.store;
-    ops::Transaction txn(store);
-    if (const Status s = txn.begin(); s != StatusOk)
-        return s;
-    std::vector<std::pair<Owner, bool>> owners;
-    if (const Status s = store.openHandles(owners); s != StatusOk)
-        return s;
-    bool othersOpen = false;
-    for (const auto& [o, excl] : owners) {
-        if (!ownerAlive(o, file.mark)) {
-            if (const Status s = store.removeOwner(o); s != StatusOk)
-                return s;
-            continue;
-        }
-        if (excl)
-            return StatusFileLocked;
-        othersOpen = true;
-    }
-    if (exclusive && othersOpen)
-        return StatusFileInUse;
-    if (const Status s = store.addHandle(owner, exclusive); s != StatusOk)
-        return s;
-    return txn.commit();
-}
-
 Status Engine::open(const CallArgs& a)
 {
     if (!a.posBlock)
@@ -209,30 +225,25 @@ Status Engine::open(const CallArgs& a)
     const std::string path = pathFromKey(a.key, a.keyLength);
     if (path.empty())
         return StatusBadPath;
-    // A FIFO, device or socket is never opened, not even to be looked at: like a directory, it
-    // is no file. The mark holds the gate: the path names this file until the handle is registered.
-    platform::FileIdentity id;
-    ProcessMark mark;
-    if (mark.attach(path, ProcessMark::Use::Open, id) != platform::PathKind::File)
-        return StatusFileNotFound;
     const bool readOnly = a.keyNumber == ModeReadOnly;
-    const bool writable = platform::canWrite(path);
-    if (!platform::canRead(path) || (!readOnly && !writable))
-        return StatusAccessDenied;
+    // The ticket keeps the path naming this file until the handle is registered.
+    std::unique_ptr<OpenTicket> ticket;
+    if (const Status s = store().resolve(path, readOnly, ticket); s != StatusOk)
+        return s;
+    const std::string& key = ticket->key();
 
     auto h = std::make_shared<Handle>();
     h->readOnly = readOnly;
     h->owner = Owner{m_pid, m_startToken, 0};
-    h->file = acquireFile(id);
+    h->file = acquireFile(key);
     std::lock_guard<std::mutex> fileLock(h->file->mutex);
-    const EndGate endGate{*h->file};
+    const EndOpen endOpen{*h->file};
     if (!h->file->store) {
-        if (const Status s = m_store->open(path, writable, h->file->store); s != StatusOk) {
-            releaseFile(id, h->file);
+        if (const Status s = ticket->open(h->file->store); s != StatusOk) {
+            releaseFile(key, h->file);
             return s;
         }
-        h->file->writable = writable;
-        h->file->mark = std::move(mark);
+        h->file->writable = ticket->writable();
     }
     {
         std::lock_guard<std::mutex> lock(m_mutex);
@@ -240,8 +251,8 @@ Status Engine::open(const CallArgs& a)
     }
     h->owner.handle = h->number;
     if (h->file->writable) {
-        if (const Status s = registerHandle(*h->file, h->owner, a.keyNumber == ModeExclusive); s != StatusOk) {
-            releaseFile(id, h->file);
+        if (const Status s = h->file->store->registerHandle(h->owner, a.keyNumber == ModeExclusive); s != StatusOk) {
+            releaseFile(key, h->file);
             return s;
         }
     }
@@ -249,7 +260,7 @@ Status Engine::open(const CallArgs& a)
         std::lock_guard<std::mutex> lock(m_mutex);
         m_handles[h->number] = h;
     }
-    h->identity = id;
+    h->fileKey = key;
     auto* b = static_cast<uint8_t*>(a.posBlock);
     std::memset(b, 0, PositionBlockSize);
     storeLE64(b + BlockSignature, PositionSignature);
@@ -273,7 +284,7 @@ Status Engine::close(const CallArgs& a)
         std::lock_guard<std::mutex> lock(m_mutex);
         m_handles.erase(h->number);
     }
-    releaseFile(h->identity, h->file);
+    releaseFile(h->fileKey, h->file);
     std::memset(a.posBlock, 0, PositionBlockSize);
     return StatusOk;
 }

@@ -15,12 +15,18 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace recman {
 
 class Engine {
 public:
     static Engine& instance();
+
+    // Chooses the store for this process: the server at `conninfo` (a libpq connection string),
+    // or the embedded store when null or empty. Takes effect while no handle of the process is
+    // open; files already open stay on their store.
+    static void selectServer(const char* conninfo);
 
     // REQUIRES: the operation code is one offered (the entry point checked it).
     Status call(const CallArgs& a);
@@ -36,20 +42,24 @@ private:
 
     // The live handle a position block names, or null.
     std::shared_ptr<Handle> lookup(const void* posBlock);
-    std::shared_ptr<SharedFile> acquireFile(const platform::FileIdentity& id);
-    void releaseFile(const platform::FileIdentity& id, const std::shared_ptr<SharedFile>& file);
-    Status registerHandle(SharedFile& file, const Owner& owner, bool exclusive);
+    std::shared_ptr<SharedFile> acquireFile(const std::string& key);
+    void releaseFile(const std::string& key, const std::shared_ptr<SharedFile>& file);
+    // The store every new handle uses, chosen anew while no file is open (selectServer()).
+    Store& store();
 
     static void afterForkInChild();
 
     std::mutex m_mutex;  // guards the tables below, never held while waiting for a file
     std::unordered_map<uint64_t, std::shared_ptr<Handle>> m_handles;
-    std::map<platform::FileIdentity, std::shared_ptr<SharedFile>> m_files;
+    std::map<std::string, std::shared_ptr<SharedFile>> m_files;
     uint64_t m_nextHandle = 1;
     const uint64_t m_token;
     const int64_t m_pid;
     const int64_t m_startToken;
+    const bool m_forkedChild;
     std::unique_ptr<Store> m_store;
+    std::string m_storeServer;  // the connection string m_store was made for
+    std::vector<std::unique_ptr<Store>> m_retired;
     Engine* m_abandoned = nullptr;  // a parent's engine, kept reachable and untouched after fork
 };
 

@@ -2,7 +2,6 @@
 // of a block share one position and one set of locks. Guarded by its file's mutex.
 #pragma once
 
-#include "recman/Platform.h"
 #include "recman/Store.h"
 
 #include <cstdint>
@@ -17,8 +16,7 @@ namespace recman {
 // One process's use of one file: the store connection its handles share.
 struct SharedFile {
     std::mutex mutex;
-    ProcessMark mark;                  // taken by the first handle, before the store opens
-    std::unique_ptr<StoreFile> store;  // opened by the first handle; closed before the mark goes
+    std::unique_ptr<StoreFile> store;  // opened by the first handle
     bool writable = false;
     int refs = 0;                      // handles and opens under way; guarded by the engine's mutex
 };
@@ -29,7 +27,7 @@ struct Handle {
     uint64_t number = 0;
     Owner owner;
     std::shared_ptr<SharedFile> file;
-    platform::FileIdentity identity;
+    std::string fileKey;  // the store's name for the file (Store::resolve)
     bool open = true;
     bool readOnly = false;
 
@@ -56,7 +54,6 @@ struct Handle {
     // Scratch buffers reused across calls.
     std::string scratch, search, oldRecord, oldValue;
     std::vector<uint8_t> keyValue, oldKey;
-    std::vector<Owner> holders;
     RecordWrite write;
 
     bool holdsLock(int64_t recno) const

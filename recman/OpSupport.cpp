@@ -4,20 +4,7 @@
 
 namespace recman::ops {
 
-Status checkLockConflict(StoreFile& store, Handle& h, int64_t recno)
-{
-    if (const Status s = store.lockHolders(recno, h.holders); s != StatusOk)
-        return s;
-    for (const Owner& o : h.holders) {
-        if (o == h.owner)
-            continue;
-        if (ownerAlive(o, h.file->mark))
-            return StatusRecordLocked;
-        if (const Status s = store.removeOwner(o); s != StatusOk)
-            return s;
-    }
-    return StatusOk;
-}
+Status checkLockConflict(StoreFile& store, Handle& h, int64_t recno) { return store.lockConflict(recno, h.owner); }
 
 Status checkLockKind(const Handle& h, const CallArgs& a)
 {

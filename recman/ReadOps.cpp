@@ -165,11 +165,7 @@ Status release(Handle& h)
     StoreFile& store = *h.file->store;
     if (!h.file->writable)
         return StatusOk;
-    Transaction txn(store);
-    Status s = txn.begin();
-    if (s == StatusOk)
-        s = store.removeOwner(h.owner);
-    return s == StatusOk ? txn.commit() : s;
+    return store.releaseHandle(h.owner);
 }
 
 }  // namespace recman::ops

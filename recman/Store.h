@@ -1,15 +1,18 @@
 // The store: where a record-manager file's records, keys, counters, open handles and record locks
-// live. The engine above it owns currencies and the order of checks; a store keeps data and answers
-// seeks. One StoreFile is one process's connection to one file, shared by that process's handles;
-// its calls are serialised by the engine.
+// live. The engine above it owns currencies and the order of checks; a store keeps data, answers
+// seeks, and judges who holds a file or a record (owner liveness is the store's: process marks on
+// one machine, server sessions on a server). One StoreFile is one process's use of one file, shared
+// by that process's handles; its calls are serialised by the engine.
 //
-// Transactions: reads outside begin()/commit() each see the latest committed state. Writes happen
-// between begin() and commit(); a failing status inside means the caller calls rollback().
+// Isolation: reads outside begin()/commit() each see the latest committed state. Writes, and the
+// check-then-act sequences of a locking read, an insert with autoincrement values and an update
+// or delete with its version check, run between begin() and commit(): begin() excludes every other
+// writer of the file until commit() or rollback(), so what a check saw still holds when the act
+// follows. A failing status inside means the caller calls rollback().
 #pragma once
 
 #include "recman/Codes.h"
 #include "recman/FileSpec.h"
-#include "recman/ProcessMark.h"
 
 #include <cstdint>
 #include <memory>
@@ -49,6 +52,16 @@ struct RecordWrite {
     std::vector<KeyEntry> keys;          // one per key
     std::vector<bool> keyValueChanged;    // update: the key's value changed (takes a new rank)
     std::vector<int64_t> autoValues;      // one per autoincrement field
+
+    // Of an update: whether a duplicates key takes a new value (and so a new rank), and whether
+    // any key's value changes at all.
+    void changes(const FileSpec& spec, bool& needRank, bool& keysChanged) const
+    {
+        for (size_t i = 0; i < spec.keys.size(); ++i) {
+            needRank = needRank || (spec.keys[i].duplicates && keys[i].present && keyValueChanged[i]);
+            keysChanged = keysChanged || keyValueChanged[i];
+        }
+    }
 };
 
 class StoreFile {
@@ -77,17 +90,34 @@ public:
     virtual Status updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq) = 0;
     virtual Status deleteRecord(int64_t recno) = 0;
 
-    // Open handles, for exclusive opens and "open somewhere".
-    virtual Status openHandles(std::vector<std::pair<Owner, bool>>& owners) = 0;  // (owner, exclusive)
-    virtual Status addHandle(const Owner& owner, bool exclusive) = 0;
-    virtual Status removeHandle(const Owner& owner) = 0;
-    // Removes every trace (handle, locks) of an owner that is gone.
-    virtual Status removeOwner(const Owner& owner) = 0;
+    // Open handles. Registers a handle, atomically with its checks: StatusFileLocked when a live
+    // handle has the file open exclusively, StatusFileInUse when `exclusive` and another live
+    // handle has it open. Runs its own transaction.
+    virtual Status registerHandle(const Owner& owner, bool exclusive) = 0;
+    // Ends a handle: its registration and every lock it holds. Runs its own transaction.
+    virtual Status releaseHandle(const Owner& owner) = 0;
+    // Lets an Open that waited on a replace go on once its handle is registered (see Store::resolve).
+    virtual void endOpen() {}
 
-    // Record locks.
-    virtual Status lockHolders(int64_t recno, std::vector<Owner>& owners) = 0;
+    // Record locks (inside a transaction). StatusRecordLocked when a live handle other than
+    // `owner` locks the record; traces of owners that are gone are cleared on the way.
+    virtual Status lockConflict(int64_t recno, const Owner& owner) = 0;
+    // Takes a lock; StatusRecordLocked when another live handle holds it.
     virtual Status addLock(int64_t recno, const Owner& owner) = 0;
     virtual Status removeLock(int64_t recno, const Owner& owner) = 0;
+};
+
+// A file an Open has named, held between naming and registration: the file cannot be replaced
+// under it meanwhile.
+class OpenTicket {
+public:
+    virtual ~OpenTicket() = default;
+    // Opaque identity: two paths that reach one file give the same key.
+    virtual const std::string& key() const = 0;
+    // Whether this process may write the file.
+    virtual bool writable() const = 0;
+    // Opens the process's StoreFile for the file (the first handle of the process on it).
+    virtual Status open(std::unique_ptr<StoreFile>& out) = 0;
 };
 
 // A kind of store: makes and opens files.
@@ -97,16 +127,14 @@ public:
     // Create's file checks and the making of the file; the specification block is already valid. `replace` false
     // refuses an existing file (59); a file open anywhere answers 25, a full disk 18.
     virtual Status create(const std::string& path, const FileSpec& spec, bool replace) = 0;
-    // Opens a file known to exist and be a regular file; StatusNotEngineFile for a foreign one.
-    virtual Status open(const std::string& path, bool writable, std::unique_ptr<StoreFile>& out) = 0;
+    // Names the file at `path` for an Open: StatusFileNotFound where there is none (or something
+    // that is no file), StatusAccessDenied without the permissions the mode needs.
+    virtual Status resolve(const std::string& path, bool readOnly, std::unique_ptr<OpenTicket>& out) = 0;
 };
 
-// The store this build uses. A forked child's store shares no store state with what the process
-// inherited from its parent.
-std::unique_ptr<Store> makeDefaultStore(bool forkedChild);
-
-// True while the owner's process runs: its id and start token still name a running process, and
-// it still holds its mark on the file (`mark` is this process's descriptor on that file).
-bool ownerAlive(const Owner& owner, const ProcessMark& mark);
+// The store a process uses: the server store when `conninfo` (a libpq connection string) is not
+// empty, else the embedded one. A forked child's store shares no store state with what the
+// process inherited from its parent.
+std::unique_ptr<Store> makeStore(const std::string& conninfo, bool forkedChild);
 
 }  // namespace recman

@@ -1,6 +1,16 @@
 #include "recman/sqlite/SqliteFile.h"
 
+#include "recman/Platform.h"
+
 namespace recman::sqlite {
+
+bool ownerAlive(const Owner& owner, const ProcessMark& mark)
+{
+    if (!platform::processAlive(owner.pid, owner.startToken))
+        return false;
+    // This process's own mark is not seen through its own descriptor; it runs, as asked.
+    return owner.pid == platform::currentProcessId() || mark.held(owner.pid);
+}
 
 SqliteFile::SqliteFile(sqlite3* db, FileSpec spec)
     : m_db(db), m_spec(std::move(spec)), m_sql(SqlText::forSpec(m_spec)), m_autoFields(autoIncrementFields(m_spec)),
@@ -240,12 +250,8 @@ Status SqliteFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t&
 Status SqliteFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq)
 {
     seq = 0;
-    bool needRank = false;
-    bool keysChanged = false;
-    for (size_t i = 0; i < m_spec.keys.size(); ++i) {
-        needRank = needRank || (m_spec.keys[i].duplicates && rec.keys[i].present && rec.keyValueChanged[i]);
-        keysChanged = keysChanged || rec.keyValueChanged[i];
-    }
+    bool needRank = false, keysChanged = false;
+    rec.changes(m_spec, needRank, keysChanged);
     if (!keysChanged) {
         // Autoincrement fields are key segments, so they stay too: no index is touched.
         Statement* st = fixed(FUpdateData);
@@ -311,8 +317,35 @@ Status SqliteFile::ownerStatement(Fixed which, const Owner& owner)
     return run(st);
 }
 
-Status SqliteFile::addHandle(const Owner& owner, bool exclusive)
+Status SqliteFile::registerHandle(const Owner& owner, bool exclusive)
 {
+    if (const Status s = begin(); s != StatusOk)
+        return s;
+    if (const Status s = registerInTransaction(owner, exclusive); s != StatusOk) {
+        rollback();
+        return s;
+    }
+    return commit();
+}
+
+Status SqliteFile::registerInTransaction(const Owner& owner, bool exclusive)
+{
+    if (const Status s = openHandles(m_owners); s != StatusOk)
+        return s;
+    bool othersOpen = false;
+    for (const auto& [o, excl] : m_owners) {
+        if (!ownerAlive(o, m_mark)) {
+            if (const Status s = removeOwner(o); s != StatusOk)
+                return s;
+            continue;
+        }
+        if (excl)
+            return StatusFileLocked;
+        othersOpen = true;
+    }
+    if (exclusive && othersOpen)
+        return StatusFileInUse;
+
     Statement* st = fixed(FAddOpen);
     if (st) {
         st->bind(1, owner.pid);
@@ -323,7 +356,16 @@ Status SqliteFile::addHandle(const Owner& owner, bool exclusive)
     return run(st);
 }
 
-Status SqliteFile::removeHandle(const Owner& owner) { return ownerStatement(FRemoveOpen, owner); }
+Status SqliteFile::releaseHandle(const Owner& owner)
+{
+    if (const Status s = begin(); s != StatusOk)
+        return s;
+    if (const Status s = removeOwner(owner); s != StatusOk) {
+        rollback();
+        return s;
+    }
+    return commit();
+}
 
 Status SqliteFile::removeOwner(const Owner& owner)
 {
@@ -332,18 +374,30 @@ Status SqliteFile::removeOwner(const Owner& owner)
     return ownerStatement(FRemoveOwnerLocks, owner);
 }
 
-Status SqliteFile::lockHolders(int64_t recno, std::vector<Owner>& owners)
+Status SqliteFile::lockConflict(int64_t recno, const Owner& owner)
 {
-    owners.clear();
+    m_holders.clear();
     Statement* st = fixed(FLockHolders);
     if (!st)
         return rowStatus(sqlite3_errcode(m_db));
-    ResetOnExit r(*st);
-    st->bind(1, recno);
-    int rc;
-    while ((rc = st->step()) == SQLITE_ROW)
-        owners.push_back(Owner{st->integer(0), st->integer(1), uint64_t(st->integer(2))});
-    return rc == SQLITE_DONE ? StatusOk : rowStatus(rc);
+    {
+        ResetOnExit r(*st);
+        st->bind(1, recno);
+        int rc;
+        while ((rc = st->step()) == SQLITE_ROW)
+            m_holders.push_back(Owner{st->integer(0), st->integer(1), uint64_t(st->integer(2))});
+        if (rc != SQLITE_DONE)
+            return rowStatus(rc);
+    }
+    for (const Owner& o : m_holders) {
+        if (o == owner)
+            continue;
+        if (ownerAlive(o, m_mark))
+            return StatusRecordLocked;
+        if (const Status s = removeOwner(o); s != StatusOk)
+            return s;
+    }
+    return StatusOk;
 }
 
 Status SqliteFile::addLock(int64_t recno, const Owner& owner)

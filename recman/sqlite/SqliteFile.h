@@ -1,6 +1,7 @@
 // One process's connection to one record-manager file in SQLite, with its prepared statements.
 #pragma once
 
+#include "recman/ProcessMark.h"
 #include "recman/Store.h"
 #include "recman/sqlite/SqliteSchema.h"
 #include "recman/sqlite/Statement.h"
@@ -36,14 +37,18 @@ public:
     Status updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq) override;
     Status deleteRecord(int64_t recno) override;
 
-    Status openHandles(std::vector<std::pair<Owner, bool>>& owners) override;
-    Status addHandle(const Owner& owner, bool exclusive) override;
-    Status removeHandle(const Owner& owner) override;
-    Status removeOwner(const Owner& owner) override;
+    Status registerHandle(const Owner& owner, bool exclusive) override;
+    Status releaseHandle(const Owner& owner) override;
+    void endOpen() override { m_mark.endGate(); }
 
-    Status lockHolders(int64_t recno, std::vector<Owner>& owners) override;
+    Status lockConflict(int64_t recno, const Owner& owner) override;
     Status addLock(int64_t recno, const Owner& owner) override;
     Status removeLock(int64_t recno, const Owner& owner) override;
+
+    // The process's mark on the file, which tells live owners from ended ones.
+    void adoptMark(ProcessMark mark) { m_mark = std::move(mark); }
+    // Registered handles: (owner, exclusive).
+    Status openHandles(std::vector<std::pair<Owner, bool>>& owners);
 
 private:
     enum Fixed {
@@ -58,6 +63,8 @@ private:
     Status rowStatus(int rc) const;
     Status fetch(Statement* st, bool withKey, FoundRecord& out);
     Status ownerStatement(Fixed which, const Owner& owner);
+    Status registerInTransaction(const Owner& owner, bool exclusive);
+    Status removeOwner(const Owner& owner);
     void bindRecord(Statement& st, const RecordWrite& rec, int64_t seq, bool keepUnchangedRank);
 
     sqlite3* m_db;
@@ -68,7 +75,14 @@ private:
     std::vector<std::vector<Statement>> m_seek;
     std::vector<Statement> m_autoMax, m_autoExists;
     std::string m_data, m_key;
+    std::vector<Owner> m_holders;
+    std::vector<std::pair<Owner, bool>> m_owners;
+    ProcessMark m_mark;
     bool m_inTransaction = false;
 };
+
+// True while the owner's process runs: its id and start token still name a running process, and
+// it still holds its mark on the file (`mark` is this process's descriptor on that file).
+bool ownerAlive(const Owner& owner, const ProcessMark& mark);
 
 }  // namespace recman::sqlite

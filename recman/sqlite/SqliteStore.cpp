@@ -165,6 +165,56 @@ Status SqliteStore::create(const std::string& path, const FileSpec& spec, bool r
     return s == StatusOk ? StatusCreateFailed : s;
 }
 
+namespace {
+
+// An Open between naming the file and registering its handle: the mark holds the replace gate.
+class SqliteTicket final : public OpenTicket {
+public:
+    SqliteTicket(SqliteStore& store, std::string path, ProcessMark mark, const platform::FileIdentity& id,
+                 bool writable)
+        : m_store(store), m_path(std::move(path)), m_mark(std::move(mark)), m_writable(writable)
+    {
+        m_key.resize(sizeof id.device + sizeof id.inode);
+        std::memcpy(m_key.data(), &id.device, sizeof id.device);
+        std::memcpy(m_key.data() + sizeof id.device, &id.inode, sizeof id.inode);
+    }
+
+    const std::string& key() const override { return m_key; }
+    bool writable() const override { return m_writable; }
+    Status open(std::unique_ptr<StoreFile>& out) override
+    {
+        std::unique_ptr<StoreFile> file;
+        if (const Status s = m_store.open(m_path, m_writable, file); s != StatusOk)
+            return s;
+        static_cast<SqliteFile&>(*file).adoptMark(std::move(m_mark));
+        out = std::move(file);
+        return StatusOk;
+    }
+
+private:
+    SqliteStore& m_store;
+    std::string m_path, m_key;
+    ProcessMark m_mark;
+    bool m_writable;
+};
+
+}  // namespace
+
+Status SqliteStore::resolve(const std::string& path, bool readOnly, std::unique_ptr<OpenTicket>& out)
+{
+    // A FIFO, device or socket is never opened, not even to be looked at: like a directory, it
+    // is no file. The mark holds the gate: the path names this file until the handle is registered.
+    platform::FileIdentity id;
+    ProcessMark mark;
+    if (mark.attach(path, ProcessMark::Use::Open, id) != platform::PathKind::File)
+        return StatusFileNotFound;
+    const bool writable = platform::canWrite(path);
+    if (!platform::canRead(path) || (!readOnly && !writable))
+        return StatusAccessDenied;
+    out = std::make_unique<SqliteTicket>(*this, path, std::move(mark), id, writable);
+    return StatusOk;
+}
+
 Status SqliteStore::open(const std::string& path, bool writable, std::unique_ptr<StoreFile>& out)
 {
     sqlite3* db = nullptr;

@@ -13,7 +13,10 @@ public:
     explicit SqliteStore(bool forkedChild);
 
     Status create(const std::string& path, const FileSpec& spec, bool replace) override;
-    Status open(const std::string& path, bool writable, std::unique_ptr<StoreFile>& out) override;
+    // The key is the file's device and inode; the ticket holds the process's mark on the file.
+    Status resolve(const std::string& path, bool readOnly, std::unique_ptr<OpenTicket>& out) override;
+    // Opens a file known to exist and be a regular file; StatusNotEngineFile for a foreign one.
+    Status open(const std::string& path, bool writable, std::unique_ptr<StoreFile>& out);
 
 private:
     const char* m_vfs = nullptr;  // null: SQLite's default

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "BTRCALL.h"
+#include "ServerStore.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>

@@ -70,6 +70,12 @@ TARSEL_CHILD_ROUTINE(recmanUser) {
             reply << "0 ";
             for (uint8_t byte : h.block)
                 reply << kHex[byte >> 4] << kHex[byte & 15];
+        } else if (command == "root") {
+            // The prefix this workstation mounts the shop's files under (server store).
+            std::string root;
+            in >> root;
+            setenv("TARSEL_SERVER_ROOT", root.c_str(), 1);
+            reply << 0;
         } else if (command == "quit") {
             ::_exit(0);
         } else if (command == "count") {

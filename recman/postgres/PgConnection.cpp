@@ -1,0 +1,172 @@
+#include "recman/postgres/PgConnection.h"
+
+#include <libpq-fe.h>
+
+#include <cstring>
+
+namespace recman::postgres {
+
+namespace {
+
+constexpr const char* UniqueViolation = "23505";
+
+uint64_t loadBE(const char* p, int n)
+{
+    uint64_t v = 0;
+    for (int i = 0; i < n; ++i)
+        v = (v << 8) | uint8_t(p[i]);
+    return v;
+}
+
+}  // namespace
+
+Params& Params::integer(int64_t v)
+{
+    m_values.push_back(std::to_string(v));
+    m_isNull.push_back(false);
+    m_binary.push_back(false);
+    return *this;
+}
+
+Params& Params::bytes(const void* data, size_t length)
+{
+    m_values.emplace_back(static_cast<const char*>(data), length);
+    m_isNull.push_back(false);
+    m_binary.push_back(true);
+    return *this;
+}
+
+Params& Params::null()
+{
+    m_values.emplace_back();
+    m_isNull.push_back(true);
+    m_binary.push_back(false);
+    return *this;
+}
+
+void Params::clear()
+{
+    m_values.clear();
+    m_isNull.clear();
+    m_binary.clear();
+}
+
+Result::~Result() { PQclear(m_result); }
+
+Result& Result::operator=(Result&& o) noexcept
+{
+    if (this != &o) {
+        PQclear(m_result);
+        m_result = o.m_result;
+        o.m_result = nullptr;
+    }
+    return *this;
+}
+
+int Result::rows() const { return m_result ? PQntuples(m_result) : 0; }
+
+bool Result::isNull(int row, int col) const { return PQgetisnull(m_result, row, col) != 0; }
+
+int64_t Result::integer(int row, int col) const
+{
+    const int n = PQgetlength(m_result, row, col);
+    return n == 4 ? int64_t(int32_t(loadBE(PQgetvalue(m_result, row, col), 4)))
+                  : int64_t(loadBE(PQgetvalue(m_result, row, col), n));
+}
+
+void Result::bytes(int row, int col, std::string& out) const
+{
+    out.assign(PQgetvalue(m_result, row, col), size_t(PQgetlength(m_result, row, col)));
+}
+
+Connection::Connection(const std::string& conninfo) : m_conn(PQconnectdb(conninfo.c_str())) {}
+
+Connection::~Connection() { PQfinish(m_conn); }
+
+bool Connection::ok() const { return m_conn && PQstatus(m_conn) == CONNECTION_OK; }
+
+Status Connection::statusOf(pg_result* r) const
+{
+    const ExecStatusType t = PQresultStatus(r);
+    if (t == PGRES_COMMAND_OK || t == PGRES_TUPLES_OK)
+        return StatusOk;
+    const char* state = PQresultErrorField(r, PG_DIAG_SQLSTATE);
+    if (state && std::strcmp(state, UniqueViolation) == 0)
+        return StatusDuplicateKey;
+    return StatusStoreFailure;
+}
+
+Status Connection::run(const std::string& text, const Params& params, Result& out)
+{
+    std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    if (!ok())
+        return StatusStoreFailure;
+    auto it = m_prepared.find(text);
+    if (it == m_prepared.end()) {
+        const std::string name = "t" + std::to_string(m_prepared.size());
+        Result prepared(PQprepare(m_conn, name.c_str(), text.c_str(), 0, nullptr));
+        if (statusOf(prepared.raw()) != StatusOk)
+            return StatusStoreFailure;
+        it = m_prepared.emplace(text, name).first;
+    }
+    const size_t n = params.m_values.size();
+    std::vector<const char*> values(n);
+    std::vector<int> lengths(n), formats(n);
+    for (size_t i = 0; i < n; ++i) {
+        values[i] = params.m_isNull[i] ? nullptr : params.m_values[i].data();
+        lengths[i] = int(params.m_values[i].size());
+        formats[i] = params.m_binary[i] ? 1 : 0;
+    }
+    pg_result* r = PQexecPrepared(m_conn, it->second.c_str(), int(n), values.data(), lengths.data(), formats.data(), 1);
+    out = Result(r);
+    return statusOf(r);
+}
+
+Status Connection::run(const std::string& text, const Params& params)
+{
+    Result ignored;
+    return run(text, params, ignored);
+}
+
+Status Connection::script(const std::string& text)
+{
+    std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    if (!ok())
+        return StatusStoreFailure;
+    Result r(PQexec(m_conn, text.c_str()));
+    return statusOf(r.raw());
+}
+
+Status Connection::begin(const std::string& text)
+{
+    m_mutex.lock();
+    const Status s = script(text);
+    if (s != StatusOk) {
+        script("ROLLBACK");
+        m_mutex.unlock();
+        return s;
+    }
+    ++m_held;
+    return s;
+}
+
+Status Connection::commit()
+{
+    const Status s = script("COMMIT");
+    if (m_held > 0) {
+        --m_held;
+        m_mutex.unlock();
+    }
+    return s;
+}
+
+void Connection::rollback()
+{
+    script("ROLLBACK");
+    if (m_held > 0) {
+        --m_held;
+        m_mutex.unlock();
+    }
+}
+
+}  // namespace recman::postgres

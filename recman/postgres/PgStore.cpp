@@ -1,0 +1,160 @@
+#include "recman/postgres/PgStore.h"
+
+#include "recman/postgres/PgConnection.h"
+#include "recman/postgres/PgFile.h"
+#include "recman/postgres/ServerName.h"
+
+#include <cstdlib>
+
+namespace recman::postgres {
+
+namespace {
+
+// Files, by name, with their counters: records kept, highest record number given, the
+// duplicate-rank counter. Key 0 of the two-key advisory locks names a file by its name's hash
+// while it is created or replaced.
+constexpr const char* Schema =
+    "SELECT pg_advisory_xact_lock(0, 0);"
+    "CREATE TABLE IF NOT EXISTS tarsel_files(id serial PRIMARY KEY, name text UNIQUE NOT NULL, "
+    "spec bytea NOT NULL, count bigint NOT NULL DEFAULT 0, nextrec bigint NOT NULL DEFAULT 0, "
+    "seq bigint NOT NULL DEFAULT 0)";
+
+std::string table(int64_t id) { return "r" + std::to_string(id); }
+
+std::string createTable(int64_t id, const FileSpec& spec)
+{
+    const std::string t = table(id);
+    const size_t autos = sqlite::autoIncrementFields(spec).size();
+    std::string s = "CREATE TABLE " + t + "(n bigint PRIMARY KEY, v bigint NOT NULL, d bytea NOT NULL";
+    for (size_t i = 0; i < spec.keys.size(); ++i)
+        s += ", k" + std::to_string(i) + " bytea, s" + std::to_string(i) + " bigint";
+    for (size_t j = 0; j < autos; ++j)
+        s += ", a" + std::to_string(j) + " bigint";
+    s += ");";
+    for (size_t i = 0; i < spec.keys.size(); ++i) {
+        const std::string k = "k" + std::to_string(i), si = "s" + std::to_string(i);
+        const bool dup = spec.keys[i].duplicates;
+        s += std::string(dup ? "CREATE INDEX " : "CREATE UNIQUE INDEX ") + t + "_x" + std::to_string(i) + " ON " + t +
+             "(" + k + (dup ? ", " + si : std::string()) + ");";
+    }
+    for (size_t j = 0; j < autos; ++j)
+        s += "CREATE INDEX " + t + "_y" + std::to_string(j) + " ON " + t + "(a" + std::to_string(j) + ");";
+    return s;
+}
+
+// An Open that named a file on the server: its id and specification as read.
+class PgTicket final : public OpenTicket {
+public:
+    PgTicket(std::shared_ptr<Connection> conn, std::string name, int64_t id, FileSpec spec)
+        : m_conn(std::move(conn)), m_name(std::move(name)), m_id(id), m_spec(std::move(spec))
+    {
+    }
+    const std::string& key() const override { return m_name; }
+    bool writable() const override { return true; }
+    Status open(std::unique_ptr<StoreFile>& out) override
+    {
+        out = std::make_unique<PgFile>(m_conn, m_id, std::move(m_spec));
+        return StatusOk;
+    }
+
+private:
+    std::shared_ptr<Connection> m_conn;
+    std::string m_name;
+    int64_t m_id;
+    FileSpec m_spec;
+};
+
+}  // namespace
+
+PgStore::PgStore(std::string conninfo) : m_conninfo(std::move(conninfo)) {}
+
+PgStore::~PgStore() = default;
+
+std::string PgStore::nameOf(const std::string& path) const
+{
+    const char* root = std::getenv("TARSEL_SERVER_ROOT");
+    return serverName(path, root ? root : "");
+}
+
+std::shared_ptr<Connection> PgStore::connection()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_conn && m_conn->ok())
+        return m_conn;
+    auto conn = std::make_shared<Connection>(m_conninfo);
+    if (!conn->ok())
+        return nullptr;
+    if (conn->begin("BEGIN; " + std::string(Schema)) != StatusOk || conn->commit() != StatusOk)
+        return nullptr;
+    m_conn = conn;
+    return m_conn;
+}
+
+Status PgStore::resolve(const std::string& path, bool, std::unique_ptr<OpenTicket>& out)
+{
+    const std::shared_ptr<Connection> conn = connection();
+    if (!conn)
+        return StatusStoreFailure;
+    std::string name = nameOf(path);
+    Params p;
+    Result r;
+    if (const Status s = conn->run("SELECT id, spec FROM tarsel_files WHERE name=$1", p.bytes(name), r); s != StatusOk)
+        return s;
+    if (r.rows() == 0)
+        return StatusFileNotFound;
+    std::string block;
+    r.bytes(0, 1, block);
+    FileSpec spec;
+    if (FileSpec::parse(reinterpret_cast<const uint8_t*>(block.data()), uint32_t(block.size()), spec) != StatusOk)
+        return StatusNotEngineFile;
+    out = std::make_unique<PgTicket>(conn, std::move(name), r.integer(0, 0), std::move(spec));
+    return StatusOk;
+}
+
+Status PgStore::create(const std::string& path, const FileSpec& spec, bool replace)
+{
+    const std::shared_ptr<Connection> conn = connection();
+    if (!conn)
+        return StatusStoreFailure;
+    const std::string name = nameOf(path);
+    // The name's lock keeps two creates of one name apart until commit.
+    if (const Status s = conn->begin("BEGIN"); s != StatusOk)
+        return s;
+    Params p;
+    Result r;
+    Status s = conn->run("SELECT pg_advisory_xact_lock(0, hashtext($1))", p.bytes(name));
+    if (s == StatusOk)
+        s = conn->run("SELECT id FROM tarsel_files WHERE name=$1", p, r);
+    if (s == StatusOk && r.rows() != 0) {
+        const int64_t old = r.integer(0, 0);
+        Params q;
+        q.integer(old);
+        // Open anywhere, this process included, means someone holds the file's open lock: the
+        // transaction-scoped test conflicts with this session's own session locks too.
+        Result held;
+        if (!replace)
+            s = StatusFileExists;
+        else if ((s = conn->run("SELECT 1 FROM pg_locks WHERE locktype='advisory' AND classid=$1::oid AND objid=0 "
+                                "AND objsubid=2 AND database=(SELECT oid FROM pg_database WHERE "
+                                "datname=current_database())",
+                                q, held)) == StatusOk &&
+                 held.rows() != 0)
+            s = StatusCreateFailed;
+        else if (s == StatusOk && (s = conn->script("DROP TABLE " + table(old))) == StatusOk)
+            s = conn->run("DELETE FROM tarsel_files WHERE id=$1", q);
+    }
+    if (s == StatusOk) {
+        Params q;
+        const std::string block = spec.statBlock(0);
+        s = conn->run("INSERT INTO tarsel_files(name, spec) VALUES($1, $2) RETURNING id", q.bytes(name).bytes(block), r);
+        if (s == StatusOk)
+            s = conn->script(createTable(r.integer(0, 0), spec));
+    }
+    if (s != StatusOk) {
+        conn->rollback();
+        return s;
+    }
+    return conn->commit();
+}
+
+}  // namespace recman::postgres
