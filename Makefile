@@ -9,7 +9,7 @@ FUZZ_SECONDS ?= 180
 PACKAGES   = cmake g++ make pkg-config libsqlite3-dev libgtest-dev libgmock-dev libbenchmark-dev \
              clang libclang-rt-14-dev libpq-dev postgresql
 
-.PHONY: all deps build demo test test-normal test-install test-sanitize bench fuzz soak clean
+.PHONY: all deps build demo test test-normal test-install test-sanitize windows windows-deps bench fuzz soak clean
 
 all: build
 
@@ -66,7 +66,52 @@ test-install: build
 	  LD_LIBRARY_PATH=$$(pkg-config --variable=libdir tarsel) $(STAGE)/consumer-pkgconfig $(STAGE)/run
 	$(STAGE)/bin/tarsel stat $(STAGE)/run/consumer.dat && $(STAGE)/bin/tarsel dump $(STAGE)/run/consumer.dat --format csv >/dev/null
 
-test: test-normal test-install test-sanitize
+# Windows DLLs cross-built with mingw-w64, 32-bit (the application's platform) and 64-bit, with
+# SQLite compiled in from the amalgamation of a pinned npm package, checked by its checksum. Both
+# DLLs must export exactly the names in windows/tarsel.exports; a small 32-bit program links
+# against the 32-bit one; the 64-bit test programs run under wine64.
+WIN32_BUILD ?= build-win32
+WIN64_BUILD ?= build-win64
+WIN_CACHE   ?= build-windows-cache
+WIN_PACKAGES = g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix binutils-mingw-w64 wine64 googletest
+SQLITE_NPM_PACKAGE = better-sqlite3
+SQLITE_NPM_VERSION = 12.9.0
+SQLITE_NPM_SHA256  = ad0e29650140c49d0335b1d356596aa8166f12b758f418a98446130e3278f250
+SQLITE_DIR = $(WIN_CACHE)/$(SQLITE_NPM_PACKAGE)-$(SQLITE_NPM_VERSION)
+WIN_TESTS  = test_windows test_conformance test_purchasing
+
+windows-deps:
+	@$(MAKE) --no-print-directory deps PACKAGES="$(WIN_PACKAGES)"
+
+$(SQLITE_DIR)/sqlite3.c: | windows-deps
+	command -v npm >/dev/null || $(MAKE) --no-print-directory deps PACKAGES=npm
+	mkdir -p $(WIN_CACHE)
+	cd $(WIN_CACHE) && npm pack --silent $(SQLITE_NPM_PACKAGE)@$(SQLITE_NPM_VERSION) >/dev/null
+	echo "$(SQLITE_NPM_SHA256)  $(WIN_CACHE)/$(SQLITE_NPM_PACKAGE)-$(SQLITE_NPM_VERSION).tgz" | sha256sum -c -
+	rm -rf $(SQLITE_DIR) && mkdir -p $(SQLITE_DIR)
+	tar -xzf $(WIN_CACHE)/$(SQLITE_NPM_PACKAGE)-$(SQLITE_NPM_VERSION).tgz -C $(SQLITE_DIR) --strip-components=3 \
+	  package/deps/sqlite3/sqlite3.c package/deps/sqlite3/sqlite3.h
+
+WIN_CONFIGURE = -DCMAKE_BUILD_TYPE=Release -DTARSEL_BUILD_TOOLS=OFF -DTARSEL_BUILD_EXAMPLES=OFF \
+  -DTARSEL_SQLITE_AMALGAMATION=$(CURDIR)/$(SQLITE_DIR)
+
+$(WIN32_BUILD)/CMakeCache.txt: $(SQLITE_DIR)/sqlite3.c
+	cmake -S . -B $(WIN32_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-i686.cmake -DTARSEL_BUILD_TESTS=OFF $(WIN_CONFIGURE)
+
+$(WIN64_BUILD)/CMakeCache.txt: $(SQLITE_DIR)/sqlite3.c
+	cmake -S . -B $(WIN64_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-x86_64.cmake $(WIN_CONFIGURE)
+
+windows: windows-deps $(WIN32_BUILD)/CMakeCache.txt $(WIN64_BUILD)/CMakeCache.txt
+	cmake --build $(WIN32_BUILD) -j $(JOBS)
+	rm -rf $(WIN32_BUILD)/stage && cmake --install $(WIN32_BUILD) --prefix $(CURDIR)/$(WIN32_BUILD)/stage >/dev/null
+	PATH=/usr/i686-w64-mingw32/bin:$$PATH windows/exports.sh check $(WIN32_BUILD)/stage/bin/tarsel.dll windows/tarsel.exports
+	i686-w64-mingw32-g++-posix -std=c++17 -static-libgcc -static-libstdc++ tests/consumer/main.cpp -I$(WIN32_BUILD)/stage/include -I$(WIN32_BUILD)/stage/include/tarsel \
+	  -L$(WIN32_BUILD)/stage/lib -ltarsel -o $(WIN32_BUILD)/stage/consumer.exe
+	cmake --build $(WIN64_BUILD) -j $(JOBS) --target tarsel $(WIN_TESTS)
+	PATH=/usr/x86_64-w64-mingw32/bin:$$PATH windows/exports.sh check $(WIN64_BUILD)/bin/tarsel.dll windows/tarsel.exports
+	tests/windows/run-wine.sh $(WIN64_BUILD) $(WIN_TESTS)
+
+test: test-normal test-install test-sanitize windows
 
 $(BENCH_BUILD)/CMakeCache.txt: | deps
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DTARSEL_BUILD_BENCH=ON -DTARSEL_BUILD_TESTS=OFF
@@ -91,4 +136,4 @@ soak: deps $(BUILD)/CMakeCache.txt
 	TARSEL_STORM_KILLS=$(SOAK_KILLS) ./$(BUILD)/tests/test_reliability --gtest_filter='CrashStorm.*'
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD) $(WIN32_BUILD) $(WIN64_BUILD) $(WIN_CACHE)

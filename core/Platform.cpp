@@ -192,40 +192,10 @@ std::string MakePath(const std::string& directory, const std::string& name, cons
     return path;
 }
 
-bool StartEngineProcess(const char* commandLine, PROCESS_INFORMATION* info) {
-#if defined(_WIN32)
-    constexpr DWORD kHighPriority = HIGH_PRIORITY_CLASS;
-    STARTUPINFOA startup;
-    ZeroMemory(&startup, sizeof startup);
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESHOWWINDOW;
-    startup.wShowWindow = SW_SHOWMINIMIZED;
-    std::string command(commandLine);
-    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, kHighPriority, nullptr, nullptr,
-                        &startup, info)) {
-        (void)GetLastError();
-        return false;
-    }
-    return true;
-#else
-    // The record manager is embedded in the process; there is no engine to start.
-    (void)commandLine;
-    (void)info;
-    return false;
-#endif
-}
+// The record manager is embedded in the process on every platform, Windows included: there is
+// no outside engine to start or stop.
+bool StartEngineProcess(const char* /*commandLine*/, PROCESS_INFORMATION* /*info*/) { return false; }
 
-bool StopEngineProcess(PROCESS_INFORMATION* info) {
-#if defined(_WIN32)
-    if (!TerminateProcess(info->hProcess, 0)) {
-        (void)GetLastError();
-        return false;
-    }
-    return true;
-#else
-    (void)info;
-    return false;
-#endif
-}
+bool StopEngineProcess(PROCESS_INFORMATION* /*info*/) { return false; }
 
 }  // namespace platform

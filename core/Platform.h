@@ -5,6 +5,7 @@
 
 #include "REErrorMessages.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,14 @@ bool IsPathSeparator(char c);
 
 // Short (8.3) form of `path` on Windows, "" when it cannot be made; the path itself elsewhere.
 std::string ShortPathName(const std::string& path);
+
+// Longest short form of a path that Open hands on: on Windows the record manager is given the
+// 8.3 form, which must keep within 64 characters; elsewhere only the key buffer limits it.
+#if defined(_WIN32)
+inline constexpr size_t kShortPathLimit = 64;
+#else
+inline constexpr size_t kShortPathLimit = static_cast<size_t>(-1);
+#endif
 
 // Name of this computer (the host name outside Windows); "" when it cannot be read.
 std::string ComputerName();
@@ -51,10 +60,9 @@ struct PathParts {
 PathParts SplitPath(const std::string& path);
 std::string MakePath(const std::string& directory, const std::string& name, const std::string& extension);
 
-// Starts `commandLine` minimised at high priority with inherited handles; false when it cannot
-// be started or processes are not started on this platform.
+// The engine process: the record manager runs inside this process, so both start and stop
+// nothing and return false, on every platform.
 bool StartEngineProcess(const char* commandLine, PROCESS_INFORMATION* info);
-// Ends the process with exit code 0; false when it cannot (already ended, not supported).
 bool StopEngineProcess(PROCESS_INFORMATION* info);
 
 }  // namespace platform

@@ -89,13 +89,14 @@ int REBtrieveBase::Open(const char* path) {
         return 0;
     CopyBounded(m_fileName, sizeof m_fileName, path);
 
-    // A path the key buffer cannot carry is refused without a message. A failed short-path
-    // conversion leaves an empty name, which the record manager then refuses with its status.
+    // A path the key buffer cannot carry, or whose short form is longer than the platform lets
+    // through, is refused without a message. A failed short-path conversion leaves an empty
+    // name, which the record manager then refuses with its status.
     const std::string requested = path != nullptr ? path : "";
     const std::string shortPath = requested.size() > static_cast<size_t>(kMaxPathLength)
                                       ? requested
                                       : platform::ShortPathName(requested);
-    if (shortPath.size() > static_cast<size_t>(kMaxPathLength))
+    if (shortPath.size() > static_cast<size_t>(kMaxPathLength) || shortPath.size() > platform::kShortPathLimit)
         return 0;
 
     uint8_t owner[kOwnerBufferSize] = {0};

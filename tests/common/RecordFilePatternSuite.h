@@ -157,7 +157,7 @@ TYPED_TEST_P(RecordFilePattern, CopyFileReplacesTheTargetsRecords) {
     EXPECT_TRUE(this->all(target).empty());
 
     this->fill(source, 5, 1);
-    EXPECT_EQ(1, target.CopyFile(&source));
+    EXPECT_EQ(1, target.CopyFileA(&source));
     const auto copied = this->all(target);
     ASSERT_EQ(5u, copied.size());
     for (int i = 0; i < 5; ++i)

@@ -238,8 +238,12 @@ TEST_F(FileOps, ClosedFileStandsAloneAtItsPath) {
 }
 
 TEST_F(FileOps, PermissionsAreCheckedAtOpen) {
+#if defined(_WIN32)
+    GTEST_SKIP() << "Windows file modes cannot deny reading a file";
+#else
     if (::geteuid() == 0)
         GTEST_SKIP() << "file permissions do not bind root";
+#endif
     std::string p = makeFile(twoKeyFile());
     ::chmod(p.c_str(), 0444);
     EXPECT_EQ(st::Denied, Handle().open(p));
