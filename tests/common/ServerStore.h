@@ -30,11 +30,16 @@ private:
     std::string m_dir, m_bin, m_conninfo, m_asUser;
 };
 
+#if defined(_WIN32)
+// The Windows build has no server store: the suites run on the embedded store.
+inline PostgresServer* ActiveServer() { return nullptr; }
+#else
 // The server the program's environment started, or null when the suites run on the embedded store.
 PostgresServer* ActiveServer();
 
 // Registers the environment described above; true when TARSEL_TEST_STORE=server.
 bool UseServerStoreWhenAsked();
 inline const bool kServerStoreAsked = UseServerStoreWhenAsked();
+#endif
 
 }  // namespace testsupport

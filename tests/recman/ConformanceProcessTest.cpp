@@ -76,7 +76,11 @@ TARSEL_CHILD_ROUTINE(recmanUser) {
             // The prefix this workstation mounts the shop's files under (server store).
             std::string root;
             in >> root;
+#if defined(_WIN32)
+            _putenv_s("TARSEL_SERVER_ROOT", root.c_str());
+#else
             setenv("TARSEL_SERVER_ROOT", root.c_str(), 1);
+#endif
             reply << 0;
         } else if (command == "quit") {
             ::_exit(0);
