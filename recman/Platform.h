@@ -37,6 +37,10 @@ bool canWrite(const std::string& path);
 // A path naming `name` in the directory of `path`.
 std::string siblingPath(const std::string& path, const std::string& name);
 
+// Renames `from` to `to`, replacing a file there in one step; false when the system refuses (on
+// Windows, while any handle has `to` open).
+bool replaceFile(const std::string& from, const std::string& to);
+
 // A random 64-bit value, different in every process.
 uint64_t randomToken();
 

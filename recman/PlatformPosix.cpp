@@ -71,6 +71,8 @@ bool canWrite(const std::string& path) { return ::access(path.c_str(), W_OK) == 
 
 void callInChildAfterFork(void (*handler)()) { pthread_atfork(nullptr, nullptr, handler); }
 
+bool replaceFile(const std::string& from, const std::string& to) { return std::rename(from.c_str(), to.c_str()) == 0; }
+
 }  // namespace recman::platform
 
 #endif

@@ -91,6 +91,11 @@ bool canWrite(const std::string& path) { return ::_access(path.c_str(), 2) == 0;
 // Windows processes do not fork: nothing to register.
 void callInChildAfterFork(void (*)()) {}
 
+bool replaceFile(const std::string& from, const std::string& to)
+{
+    return ::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+}
+
 }  // namespace recman::platform
 
 #endif

@@ -155,7 +155,13 @@ Status SqliteStore::create(const std::string& path, const FileSpec& spec, bool r
     if (s == StatusOk) {
         std::remove((path + "-wal").c_str());
         std::remove((path + "-shm").c_str());
-        if (std::rename(temp.c_str(), path.c_str()) == 0)
+#if defined(_WIN32)
+        // Windows renames over a file only while no handle has it open, the gate's own included:
+        // the gate goes first. An Open that slips in meanwhile holds the old file open, and the
+        // rename is refused (25); nobody ever sees a missing or half-made file.
+        gate = ProcessMark();
+#endif
+        if (platform::replaceFile(temp, path))
             return StatusOk;
     }
     std::remove(temp.c_str());
