@@ -10,7 +10,7 @@
 // True when the two texts are equal without regard to case (ASCII letters); null reads as empty.
 bool REEqualNoCase(const char* a, const char* b);
 
-// Creates the file at `path` with the specification of the open file `source` (its Stat block:
+// Creates the file at `path` shaped like the open file `source` (by its Stat block:
 // the file header and twenty key segments, zero beyond, passed with `createLength` bytes) and
 // copies every record of `source` into it in physical order, in the stored layout.
 // A refused Create gives 1 (the callers have always treated it so); an empty source or a refused

@@ -284,7 +284,7 @@ struct HasKeys<T, std::void_t<decltype(T::kKeys)>> : std::true_type {};
 
 }  // namespace respec
 
-// The spec of a record-file class, derived from its traits at compile time:
+// What the machinery needs of a record-file class, derived from its traits at compile time:
 //
 //     struct Traits {
 //         using Record = NEWREC;           // the layout callers see

@@ -3,7 +3,6 @@
 #include "REShapeFile.h"
 #include "RESharedHelpers.h"
 
-#include "FieldTableRoundTrip.h"
 #include "RawRecordFile.h"
 #include "RecordFilePatternSuite.h"
 #include "StatusInjector.h"
@@ -100,9 +99,6 @@ protected:
 };
 
 TEST(ShapeRecord, OldLayoutsRoundTripThroughTheirFieldTables) {
-    testsupport::ExpectOldLayoutRoundTrip(SizeRecordDescFields::kFieldTable);
-    testsupport::ExpectOldLayoutRoundTrip(ShapeFileTraits::kFieldTable);
-
     OLD_SIZERECORDDESC old;
     std::memcpy(&old, "WD X  ", sizeof old);
     SIZERECORDDESC desc;
@@ -213,15 +209,9 @@ TEST_F(ShapeFileTest, CopyToNewFileKeepsTheStoredLayout) {
     }
 }
 
-TEST_F(ShapeFileTest, FailedReadsShowTheShapeMessageAndCopiesShareFlags) {
+TEST_F(ShapeFileTest, CopiesShareTheLayoutAndSearchFlags) {
     REShapeFile file;
     ASSERT_EQ(1, file.Initialize(oldFile().c_str()));
-    testsupport::MessageCapture messages;
-    {
-        testsupport::StatusInjector injector(REBtrieveBase::kOpGetGreaterOrEqual, 2);
-        EXPECT_EQ(0, file.SearchFirstRecord("W", nullptr));
-        EXPECT_EQ("Unknown error in shape database file. [Error# 2]", messages.lastText());
-    }
     file.SearchFirstRecord("", nullptr);
     REShapeFile copy(file);
     EXPECT_EQ(1, copy.m_isOldFormat);

@@ -3,7 +3,6 @@
 #include "REMaintFile.h"
 #include "RESharedHelpers.h"
 
-#include "FieldTableRoundTrip.h"
 #include "RawRecordFile.h"
 #include "StatusInjector.h"
 #include "TestSupport.h"
@@ -86,11 +85,6 @@ protected:
     }
     testsupport::TempDir dir;
 };
-
-TEST(MaintRecord, OldLayoutRoundTripsThroughItsFieldTable) {
-    testsupport::ExpectOldLayoutRoundTrip(MaintGroupFields::kFieldTable);
-    testsupport::ExpectOldLayoutRoundTrip(MaintFileTraits::kFieldTable);
-}
 
 TEST_F(MaintFileTest, SearchesInBothLayouts) {
     for (const std::string& at : {newFile(), oldFile()}) {

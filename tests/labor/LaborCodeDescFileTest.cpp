@@ -3,7 +3,6 @@
 #include "RELaborCodeDescFile.h"
 
 #include "LaborTestSupport.h"
-#include "StatusInjector.h"
 
 #include <gtest/gtest.h>
 
@@ -179,19 +178,6 @@ TEST(LaborCodeDescFile, ListWritesStopAtTheFirstFailure) {
     EXPECT_EQ("<<RELaborCodeDescFile::_DeleteRecord>> Record not present in the database; Deletion not possible.\n",
               traces.traces().back());
     Free(list);
-}
-
-TEST(LaborCodeDescFile, ReadFailuresShowTheDescriptionMessage) {
-    testsupport::TempDir dir;
-    RELaborCodeDescFile file;
-    CreateAndOpen(file, dir.file("desc.dat"));
-    auto rec = Op("G", 1);
-    ASSERT_EQ(1, file._AddRecord(rec));
-    testsupport::MessageCapture messages;
-    testsupport::StatusInjector injector(REBtrieveBase::kOpGetNext, REBtrieveBase::kStatusIoError);
-    ASSERT_EQ(1, file.SearchFirstRecord("G", -1, &rec));
-    EXPECT_EQ(0, file.SearchNextRecord("G", -1, &rec));
-    EXPECT_EQ("Unknown error labor code desc. database file. [Error# 2]", messages.lastText());
 }
 
 }  // namespace

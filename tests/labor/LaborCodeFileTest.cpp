@@ -3,7 +3,6 @@
 #include "RELaborCodeFile.h"
 #include "labor/LaborCodeTraits.h"
 
-#include "FieldTableRoundTrip.h"
 #include "LaborTestSupport.h"
 #include "StatusInjector.h"
 
@@ -154,15 +153,6 @@ TEST_F(LaborCodeFileTest, SaveRecordListReplacesTheGroup) {
     EXPECT_EQ(1, injector.hits());
 }
 
-TEST_F(LaborCodeFileTest, ReadFailuresShowTheCreateWordedMessage) {
-    testsupport::MessageCapture messages;
-    testsupport::StatusInjector injector(REBtrieveBase::kOpGetGreaterOrEqual, REBtrieveBase::kStatusIoError);
-    LABORCODERECORD rec;
-    EXPECT_EQ(0, file.SearchFirstRecord("A", nullptr, &rec));
-    EXPECT_EQ("Unknown error to create Labor Code database file. [Error# 2]", messages.lastText());
-    EXPECT_EQ("Error", messages.messages().back().caption);
-}
-
 TEST(LaborCodeOldLayout, ReadSearchedAndWrittenBackInItsOwnLayout) {
     testsupport::TempDir dir;
     const std::string path = dir.file("old.dat");
@@ -195,11 +185,6 @@ TEST(LaborCodeOldLayout, ReadSearchedAndWrittenBackInItsOwnLayout) {
     LABORCODERECORD rec;
     EXPECT_EQ(1, file.SearchFirstRecord("B", "1", &rec));
     EXPECT_EQ(0, file.SearchFirstRecord("B", "2", &rec));
-}
-
-TEST(LaborCodeOldLayout, FieldTableRoundTrips) {
-    testsupport::ExpectOldLayoutRoundTrip(LaborCodeTraits::kFieldTable);
-    testsupport::ExpectOldLayoutRoundTrip(LaborCodeDescTraits::kFieldTable);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include "RELaborMultFactorFile.h"
 #include "labor/LaborGroupTraits.h"
 
-#include "FieldTableRoundTrip.h"
 #include "LaborTestSupport.h"
 #include "StatusInjector.h"
 
@@ -239,9 +238,6 @@ TEST(LaborGroupFile, ReadFailuresAndFieldTables) {
     EXPECT_EQ("Unknown error in LaborGroup database file. [Error# 2]", messages.lastText());
     EXPECT_EQ(0, factors.SearchFirstRecord("W", "A", 1, nullptr));
     EXPECT_EQ("Unknown error in LaborMultFactor database file. [Error# 2]", messages.lastText());
-
-    testsupport::ExpectOldLayoutRoundTrip(LaborGroupTraits::kFieldTable);
-    testsupport::ExpectOldLayoutRoundTrip(LaborMultFactorTraits::kFieldTable);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include "REMultiplierFile.h"
 #include "labor/MultiplierTraits.h"
 
-#include "FieldTableRoundTrip.h"
 #include "LaborTestSupport.h"
 #include "StatusInjector.h"
 
@@ -143,8 +142,6 @@ TEST(MultiplierFile, OldRecordsAreWrittenBackAndAppendedAcrossLayouts) {
     CreateAndOpen(copy, dir.file("copy.dat"));
     EXPECT_EQ(1, copy._CopyRecords(source, 1));
     ASSERT_EQ(1, copy.GetExactMatch("B", &rec));
-
-    testsupport::ExpectOldLayoutRoundTrip(MultiplierTraits::kFieldTable);
 }
 
 TEST(MultiplierFile, CreatesTheCodeKeyWithABlankNullValue) {

@@ -4,7 +4,6 @@
 #include "RESharedHelpers.h"
 
 #include "RecordFilePatternSuite.h"
-#include "StatusInjector.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -121,23 +120,6 @@ TEST_F(TaxFileTest, LastReadKeepsTheKeyNumberLastSet) {
     EXPECT_EQ(1, file.GetFirstRecord(&rec));  // the first read sets key 0
     EXPECT_EQ(1, file.GetLastRecord(&rec));
     EXPECT_STREQ("B", rec.szTaxCode);
-}
-
-TEST_F(TaxFileTest, ReadFailuresShowThePurchaseInfoMessageWithTheStatus) {
-    auto rec = Tax("A");
-    ASSERT_EQ(1, file.AddRecord(rec));
-    testsupport::MessageCapture messages;
-    testsupport::StatusInjector injector(REBtrieveBase::kOpGetFirst, REBtrieveBase::kStatusIoError);
-    EXPECT_EQ(0, file.GetFirstRecord(&rec));
-    EXPECT_EQ("Unknown error PDC-pur-info database file. [Error# 2]", messages.lastText());
-}
-
-TEST(TaxFileConversion, HooksLeaveBothRecordsAlone) {
-    tagTAXRECORD a = Tax("A", 1), b = Tax("B", 2);
-    const tagTAXRECORD before = b;
-    EXPECT_EQ(1, RETaxFile::_ConvertPurTaxTypeToNewFormat(&a, &b));
-    EXPECT_EQ(1, RETaxFile::_ConvertPurTaxTypeToOldFormat(&a, &b));
-    EXPECT_EQ(0, std::memcmp(&before, &b, sizeof b));
 }
 
 }  // namespace
