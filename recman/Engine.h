@@ -31,6 +31,10 @@ public:
     // REQUIRES: the operation code is one offered (the entry point checked it).
     Status call(const CallArgs& a);
 
+    // The store every new handle uses, chosen anew while no file is open (selectServer()). A
+    // store once made stays alive for the life of the process.
+    Store& store();
+
 private:
     explicit Engine(bool forkedChild);
 
@@ -44,9 +48,6 @@ private:
     std::shared_ptr<Handle> lookup(const void* posBlock);
     std::shared_ptr<SharedFile> acquireFile(const std::string& key);
     void releaseFile(const std::string& key, const std::shared_ptr<SharedFile>& file);
-    // The store every new handle uses, chosen anew while no file is open (selectServer()).
-    Store& store();
-
     static void afterForkInChild();
 
     std::mutex m_mutex;  // guards the tables below, never held while waiting for a file

@@ -21,6 +21,8 @@
 
 namespace recman {
 
+class FileOperations;  // recman/FileOperations.h
+
 // Who holds an open handle or a record lock: a handle of a run of a process.
 struct Owner {
     int64_t pid = 0;
@@ -130,6 +132,9 @@ public:
     // Names the file at `path` for an Open: StatusFileNotFound where there is none (or something
     // that is no file), StatusAccessDenied without the permissions the mode needs.
     virtual Status resolve(const std::string& path, bool readOnly, std::unique_ptr<OpenTicket>& out) = 0;
+    // Whole-file operations on the store's files (existence, copy, move, delete, search, check);
+    // null when the store offers none.
+    virtual FileOperations* fileOperations() { return nullptr; }
 };
 
 // The store a process uses: the server store when `conninfo` (a libpq connection string) is not
