@@ -2,7 +2,7 @@
 // validity report, the keyed writes, and the "any operation" key of each layout.
 #include "RELaborCodeDescFile.h"
 
-#include "LaborTestSupport.h"
+#include "RecordBuilders.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-using namespace laborsupport;
+using namespace testsupport;
 
 LABOROPDESCRECORD Op(const char* group, int16_t op, int16_t grp = 1, int16_t extrapolation = 1) {
     LABOROPDESCRECORD rec{};

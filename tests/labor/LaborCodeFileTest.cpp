@@ -3,7 +3,7 @@
 #include "RELaborCodeFile.h"
 #include "labor/LaborCodeTraits.h"
 
-#include "LaborTestSupport.h"
+#include "RecordBuilders.h"
 #include "StatusInjector.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@
 
 namespace {
 
-using namespace laborsupport;
+using namespace testsupport;
 
 LABORCODERECORD Code(const char* group, const char* subCode, int16_t value = 0) {
     LABORCODERECORD rec{};

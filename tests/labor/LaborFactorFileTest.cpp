@@ -4,7 +4,7 @@
 #include "RELaborMultFactorFile.h"
 #include "labor/LaborGroupTraits.h"
 
-#include "LaborTestSupport.h"
+#include "RecordBuilders.h"
 #include "StatusInjector.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 
 namespace {
 
-using namespace laborsupport;
+using namespace testsupport;
 
 LABORMULTFACTORRECORD Factor(const char* type, const char* group, uint32_t step, uint8_t factor = 1) {
     LABORMULTFACTORRECORD rec{};

@@ -5,7 +5,7 @@
 #include "REMultiplierFile.h"
 #include "labor/MultiplierTraits.h"
 
-#include "LaborTestSupport.h"
+#include "RecordBuilders.h"
 #include "StatusInjector.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 
 namespace {
 
-using namespace laborsupport;
+using namespace testsupport;
 
 MULTIPLIERRECORD Mult(const char* code, uint8_t value) {
     MULTIPLIERRECORD rec{};
