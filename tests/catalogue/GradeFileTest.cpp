@@ -3,16 +3,62 @@
 #include "REGradeFile.h"
 #include "RESharedHelpers.h"
 
-#include "RawRecordFile.h"
+#include "RecordBuilders.h"
+#include "RecordFilePatternSuite.h"
 #include "StatusInjector.h"
 #include "TestSupport.h"
 #include "catalogue/GradeFileTraits.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
+
+namespace {
+
+struct GradePatternTraits {
+    using File = REGradeFile;
+    using Record = GRADEDATRECORD;
+    static constexpr const char* kClassName = "REGradeFile";
+    static constexpr uint16_t kRecordLength = sizeof(GRADEDATRECORD);
+    static constexpr bool kStaysOpenOnCorrupt = false;
+    static constexpr bool kReadsInStoredOrder = true;
+    // A current-layout file's searches test the given record without reading: nothing stops a
+    // duplicate, and updates and deletes act on the record the last read reached.
+    static constexpr bool kTakesDuplicates = true;
+    static constexpr bool kResetKeepsOpen = true;  // Reset only ends a search
+    static constexpr const char* kCorruptText = "Shape data file is corrupt.";
+    static constexpr const char* kUnknownErrorText = "Unknown error grade database file. [Error# %d]";
+    static constexpr const char* kCreateErrorText = "Unknown error grade database file. [Error# %d]";
+
+    static Record Sample(int key, int content = 0) {
+        Record rec{};
+        std::snprintf(rec.szText0, sizeof rec.szText0, "G%03u", static_cast<unsigned>(key) % 1000u);
+        std::snprintf(rec.szCode5, sizeof rec.szCode5, "A");
+        std::snprintf(rec.szText8, sizeof rec.szText8, "A%d", content);
+        return rec;
+    }
+    static bool ReadTo(File& file, const Record& rec, Record& found) {
+        for (int read = file.GetFirstRecord(&found); read; read = file.GetNextRecord(&found))
+            if (std::strcmp(found.szText0, rec.szText0) == 0)
+                return true;
+        return false;
+    }
+    static int Update(File& file, Record& rec, Record& changed) {
+        Record found;
+        return ReadTo(file, rec, found) && file.UpdateRecord(found, changed);
+    }
+    static int Delete(File& file, Record& rec) {
+        Record found;
+        return ReadTo(file, rec, found) && file.DeleteRecord(&found);
+    }
+};
+
+}  // namespace
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Grades, RecordFilePattern, ::testing::Types<GradePatternTraits>);
 
 namespace {
 
@@ -28,13 +74,12 @@ constexpr REKeySegment kOldGradeKeys[] = {
 };
 
 OLD_GRADEDATRECORD OldGrade(const char* t0, const char* code, const char* t8, const char* t19) {
-    OLD_GRADEDATRECORD rec;
-    std::memset(&rec, ' ', sizeof rec);
-    std::memcpy(rec.szText0, t0, std::strlen(t0));
-    std::memcpy(rec.szCode5, code, std::strlen(code));
-    std::memcpy(rec.szText8, t8, std::strlen(t8));
-    std::memcpy(rec.szText19, t19, std::strlen(t19));
-    return rec;
+    return testsupport::OldRecord<OLD_GRADEDATRECORD>([&](OLD_GRADEDATRECORD& rec) {
+        testsupport::PutOld(rec.szText0, t0);
+        testsupport::PutOld(rec.szCode5, code);
+        testsupport::PutOld(rec.szText8, t8);
+        testsupport::PutOld(rec.szText19, t19);
+    });
 }
 
 GRADEDATRECORD Grade(const char* t0, const char* code, const char* t8, const char* t19) {
@@ -46,7 +91,8 @@ GRADEDATRECORD Grade(const char* t0, const char* code, const char* t8, const cha
     return rec;
 }
 
-std::vector<std::string> SecondTexts(std::list<GRADEDATRECORD*>& list) {
+// Leaves the list filled: the next GetGradeList must free it.
+std::vector<std::string> SecondTexts(const std::list<GRADEDATRECORD*>& list) {
     std::vector<std::string> texts;
     for (const GRADEDATRECORD* rec : list)
         texts.emplace_back(rec->szText8);
@@ -58,18 +104,15 @@ protected:
     // An old-layout file, records stored in this physical order.
     std::string oldFile() {
         const std::string at = dir.file("grade.old");
-        EXPECT_EQ(0, testsupport::CreateRawFile(at, sizeof(OLD_GRADEDATRECORD), kOldGradeKeys));
-        testsupport::RawRecordFile raw(at, sizeof(OLD_GRADEDATRECORD));
-        for (const OLD_GRADEDATRECORD& rec : {OldGrade("PL", "B", "A572", "50"), OldGrade("W", "A", "A992", ""),
-                                              OldGrade("PL", "A", "A36", ""), OldGrade("PLT", "A", "A1", "")})
-            EXPECT_EQ(0, raw.insert(&rec));
+        testsupport::WriteOldFile<OLD_GRADEDATRECORD>(at, kOldGradeKeys,
+                                                      {OldGrade("PL", "B", "A572", "50"), OldGrade("W", "A", "A992", ""),
+                                                       OldGrade("PL", "A", "A36", ""), OldGrade("PLT", "A", "A1", "")});
         return at;
     }
     std::string newFile(std::initializer_list<GRADEDATRECORD> records) {
         const std::string at = dir.file("grade.dat");
         REGradeFile file;
-        EXPECT_EQ(1, file.CreateNewFile(at.c_str()));
-        EXPECT_EQ(1, file.Initialize(at.c_str()));
+        testsupport::CreateAndOpen(file, at);
         for (GRADEDATRECORD rec : records)
             EXPECT_EQ(1, file.AddRecord(rec));
         return at;
@@ -221,20 +264,13 @@ TEST_F(GradeFileTest, CopyToNewFileClonesLayoutAndRecords) {
     EXPECT_EQ(0, empty.CopyRecordsToNewFile(dir.file("empty.dat").c_str()));
 }
 
-TEST_F(GradeFileTest, MessagesAndReset) {
+TEST_F(GradeFileTest, SearchFailureMessagesAndReset) {
     testsupport::MessageCapture messages;
-    const std::string other = dir.file("other.dat");
-    ASSERT_EQ(0, testsupport::CreateRawFile(other, 31));
     REGradeFile file;
-    EXPECT_EQ(0, file.Initialize(other.c_str()));
-    EXPECT_EQ("Shape data file is corrupt.", messages.lastText());
-    EXPECT_EQ(0, file.IsOpen());
-
     ASSERT_EQ(1, file.Initialize(oldFile().c_str()));
     GRADEDATRECORD rec;
     {
         testsupport::StatusInjector injector(REBtrieveBase::kOpGetGreaterOrEqual, 2);
-        messages.clear();
         EXPECT_EQ(0, file.GetFirstMatch("PL", "", "", &rec, 1));
         EXPECT_EQ("Unknown error grade database file. [Error# 2]", messages.lastText());
     }

@@ -3,7 +3,7 @@
 #include "REShapeFile.h"
 #include "RESharedHelpers.h"
 
-#include "RawRecordFile.h"
+#include "RecordBuilders.h"
 #include "RecordFilePatternSuite.h"
 #include "StatusInjector.h"
 #include "TestSupport.h"
@@ -46,27 +46,18 @@ struct ShapePatternTraits {
     }
 };
 
-class ListControl : public REListControl {
-public:
-    int AddString(const char* text) override {
-        texts.emplace_back(text);
-        return static_cast<int>(texts.size()) - 1;
-    }
-    std::vector<std::string> texts;
-};
-
 // The stored key: the code in four bytes, without regard to case.
 constexpr REKeySegment kOldShapeKey[] = {{1, 4, kKeyLastSegment | kKeyCaseInsensitive, kKeyTypeString, kKeyNullByte}};
 
-void Put(char* field, size_t width, const char* text) { std::memcpy(field, text, std::min(width, std::strlen(text))); }
+using testsupport::ListControl;
+using testsupport::PutOld;
 
 // A stored shape with every descriptor filled; `filter` is the seventh descriptor's last attribute.
 OLD_SHAPEDATRECORD OldShape(const char* code, const char* description, int16_t flags, char filter) {
-    OLD_SHAPEDATRECORD rec;
-    std::memset(&rec, ' ', sizeof rec);
-    Put(rec.szShape, sizeof rec.szShape, code);
-    Put(rec.szCode5, sizeof rec.szCode5, "S");
-    Put(rec.szDescription, sizeof rec.szDescription, description);
+    auto rec = testsupport::Blank<OLD_SHAPEDATRECORD>();
+    PutOld(rec.szShape, code);
+    PutOld(rec.szCode5, "S");
+    PutOld(rec.szDescription, description);
     rec.nNumber71 = 71;
     rec.nFlags = flags;
     for (int i = 0; i < 6; ++i)
@@ -74,9 +65,9 @@ OLD_SHAPEDATRECORD OldShape(const char* code, const char* description, int16_t f
     for (int i = 0; i < 10; ++i) {
         char field[4];
         std::snprintf(field, sizeof field, "A%02d", i);
-        Put(rec.descs93[i].szFieldCode, 3, field);
+        PutOld(rec.descs93[i].szFieldCode, 3, field);
         field[0] = 'B';
-        Put(rec.descs193[i].szFieldCode, 3, field);
+        PutOld(rec.descs193[i].szFieldCode, 3, field);
         rec.descs93[i].szAttr4[0] = 'x';
     }
     rec.descs93[6].szAttr8[0] = filter;
@@ -87,12 +78,10 @@ class ShapeFileTest : public ::testing::Test {
 protected:
     std::string oldFile() {
         const std::string at = dir.file("shape.old");
-        EXPECT_EQ(0, testsupport::CreateRawFile(at, sizeof(OLD_SHAPEDATRECORD), kOldShapeKey));
-        testsupport::RawRecordFile raw(at, sizeof(OLD_SHAPEDATRECORD));
-        for (const OLD_SHAPEDATRECORD& rec : {OldShape("WT", "Structural tee", 0, 'p'),
-                                              OldShape("W", "Wide flange", REShapeFile::kShapeNoGrade, 'P'),
-                                              OldShape("PL", "Plate", REShapeFile::kShapeNoLength, 'Q')})
-            EXPECT_EQ(0, raw.insert(&rec));
+        testsupport::WriteOldFile<OLD_SHAPEDATRECORD>(at, kOldShapeKey,
+                                                      {OldShape("WT", "Structural tee", 0, 'p'),
+                                                       OldShape("W", "Wide flange", REShapeFile::kShapeNoGrade, 'P'),
+                                                       OldShape("PL", "Plate", REShapeFile::kShapeNoLength, 'Q')});
         return at;
     }
     testsupport::TempDir dir;
@@ -157,8 +146,7 @@ TEST_F(ShapeFileTest, StoredLayoutIsSearchedReadAndUpdatedInPlace) {
         EXPECT_EQ("<<REShapeFile::UpdateRecord>> Record not found in the database, UPDATE failed\n",
                   traces.traces().back());
     }
-    testsupport::RawRecordFile raw(at, sizeof(OLD_SHAPEDATRECORD));
-    const auto records = raw.records();
+    const auto records = testsupport::StoredRecords<OLD_SHAPEDATRECORD>(at);
     ASSERT_EQ(3u, records.size());
     // Written back in the stored layout; the eleventh descriptor has no place there.
     const OLD_SHAPEDATRECORD expected = OldShape("W", "W shape", REShapeFile::kShapeNoGrade, 'P');
@@ -179,9 +167,7 @@ TEST_F(ShapeFileTest, PickListTextsInKeyOrder) {
     EXPECT_EQ("PL   - Plate", *std::next(shapes.begin()));
 
     REShapeFile empty;
-    const std::string at = dir.file("empty.dat");
-    ASSERT_EQ(1, empty.CreateNewFile(at.c_str()));
-    ASSERT_EQ(1, empty.Initialize(at.c_str()));
+    testsupport::CreateAndOpen(empty, dir.file("empty.dat"));
     ListControl none;
     EXPECT_EQ(-1, empty.FindAllShapes(shapes));
     EXPECT_EQ(4u, shapes.size());
@@ -207,20 +193,6 @@ TEST_F(ShapeFileTest, CopyToNewFileKeepsTheStoredLayout) {
         testsupport::StatusInjector injector(REBtrieveBase::kOpInsert, 2);
         EXPECT_EQ(0, file.CopyRecordsToNewFile(dir.file("refused.dat").c_str()));
     }
-}
-
-TEST_F(ShapeFileTest, CopiesShareTheLayoutAndSearchFlags) {
-    REShapeFile file;
-    ASSERT_EQ(1, file.Initialize(oldFile().c_str()));
-    file.SearchFirstRecord("", nullptr);
-    REShapeFile copy(file);
-    EXPECT_EQ(1, copy.m_isOldFormat);
-    EXPECT_EQ(1, copy.m_searchActive);
-    REShapeFile assigned;
-    assigned = file;
-    EXPECT_EQ(1, assigned.m_isOldFormat);
-    copy.m_isOpen = 0;  // one close for the shared file
-    assigned.m_isOpen = 0;
 }
 
 }  // namespace
