@@ -3,7 +3,7 @@
 // appended to and from current-layout files.
 #include "REJobFile.h"
 
-#include "RawRecordFile.h"
+#include "RecordBuilders.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -21,59 +21,47 @@ constexpr REKeySegment kOldJobKey[] = {
     {34, 4, kKeyLastSegment, kKeyTypeUnsigned, kKeyNullByte},
 };
 
-void Put(char* field, size_t width, const char* text) { std::memcpy(field, text, std::min(width, std::strlen(text))); }
+using testsupport::PutOld;
 
-// An old record as the earlier system stored it: blank-padded texts, a W shape, two operations.
-OLD_ESTJOBFILERECORD OldJob(const char* code1, const char* code2, int page, int line) {
-    OLD_ESTJOBFILERECORD rec;
-    std::memset(&rec, ' ', sizeof rec);
-    Put(rec.sCode1, sizeof rec.sCode1, code1);
-    Put(rec.sCode2, sizeof rec.sCode2, code2);
+// The fields of the job both layouts share, filled the same way: blank-padded in an old record,
+// NUL-terminated in a current one (fields left zero).
+template <class REC>
+void FillJob(REC& rec, const char* code1, const char* code2, int page, int line) {
+    PutOld(rec.sCode1, 4, code1);
+    PutOld(rec.sCode2, 25, code2);
     rec.nPageNo = page;
     rec.nLineNo = line;
     rec.nValue39 = 39;
-    rec.nValue154 = rec.nValue158 = rec.nValue195 = 0;
-    rec.sizeKey.fDim2 = rec.sizeKey.fDim3 = rec.sizeKey.fDim4 = rec.sizeKey.fDim5 = 0;
-    rec.sizeKey.nValue43 = rec.sizeKey.nValue47 = 0;
-    Put(rec.sizeKey.szSection, sizeof rec.sizeKey.szSection, "STR");
-    Put(rec.sizeKey.szShape, sizeof rec.sizeKey.szShape, "W");
+    PutOld(rec.sizeKey.szSection, 3, "STR");
+    PutOld(rec.sizeKey.szShape, 4, "W");
     rec.sizeKey.fDim1 = 12.5f;
     rec.sizeKey.nValue77 = 77;
-    Put(rec.sText124, sizeof rec.sText124, "DESC");
+    PutOld(rec.sText124, 10, "DESC");
     for (int i = 0; i < 6; ++i)
         rec.nShort142[i] = static_cast<int16_t>(i - 3);
     rec.nValue191 = -191;
     for (int i = 0; i < 15; ++i) {
-        Put(rec.operations[i].sCode1, 4, i < 2 ? "OP" : "");
+        PutOld(rec.operations[i].sCode1, 4, i < 2 ? "OP" : "");
         rec.operations[i].nValue5 = static_cast<int16_t>(i);
         rec.operations[i].nValue7 = i * 100;
         rec.operations[i].nValue21 = -i;
     }
-    return rec;
+}
+
+// An old record as the earlier system stored it: blank-padded texts, a W shape, two operations.
+OLD_ESTJOBFILERECORD OldJob(const char* code1, const char* code2, int page, int line) {
+    return testsupport::OldRecord<OLD_ESTJOBFILERECORD>([&](OLD_ESTJOBFILERECORD& rec) {
+        rec.nValue154 = rec.nValue158 = rec.nValue195 = 0;
+        rec.sizeKey.fDim2 = rec.sizeKey.fDim3 = rec.sizeKey.fDim4 = rec.sizeKey.fDim5 = 0;
+        rec.sizeKey.nValue43 = rec.sizeKey.nValue47 = 0;
+        FillJob(rec, code1, code2, page, line);
+    });
 }
 
 // What a caller sees of OldJob(...).
 ESTJOBFILERECORD NewJob(const char* code1, const char* code2, int page, int line) {
     ESTJOBFILERECORD rec{};
-    Put(rec.sCode1, 4, code1);
-    Put(rec.sCode2, 25, code2);
-    rec.nPageNo = page;
-    rec.nLineNo = line;
-    rec.nValue39 = 39;
-    Put(rec.sizeKey.szSection, 3, "STR");
-    Put(rec.sizeKey.szShape, 4, "W");
-    rec.sizeKey.fDim1 = 12.5f;
-    rec.sizeKey.nValue77 = 77;
-    Put(rec.sText124, 10, "DESC");
-    for (int i = 0; i < 6; ++i)
-        rec.nShort142[i] = static_cast<int16_t>(i - 3);
-    rec.nValue191 = -191;
-    for (int i = 0; i < 15; ++i) {
-        Put(rec.operations[i].sCode1, 4, i < 2 ? "OP" : "");
-        rec.operations[i].nValue5 = static_cast<int16_t>(i);
-        rec.operations[i].nValue7 = i * 100;
-        rec.operations[i].nValue21 = -i;
-    }
+    FillJob(rec, code1, code2, page, line);
     return rec;
 }
 
@@ -82,15 +70,10 @@ bool Same(const void* a, const void* b, size_t n) { return std::memcmp(a, b, n) 
 class JobFileOldLayoutTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_EQ(0, testsupport::CreateRawFile(path, sizeof(OLD_ESTJOBFILERECORD), kOldJobKey, 64));
-        testsupport::RawRecordFile raw(path, sizeof(OLD_ESTJOBFILERECORD));
-        for (auto rec : {OldJob("A", "BEAM", 1, 1), OldJob("A", "BEAM", 2, 1), OldJob("B", "COL", 4, 2)})
-            ASSERT_EQ(0, raw.insert(&rec));
+        testsupport::WriteOldFile<OLD_ESTJOBFILERECORD>(
+            path, kOldJobKey, {OldJob("A", "BEAM", 1, 1), OldJob("A", "BEAM", 2, 1), OldJob("B", "COL", 4, 2)}, 64);
     }
-    std::vector<std::vector<uint8_t>> Stored() {
-        testsupport::RawRecordFile raw(path, sizeof(OLD_ESTJOBFILERECORD));
-        return raw.records();
-    }
+    std::vector<std::vector<uint8_t>> Stored() { return testsupport::StoredRecords<OLD_ESTJOBFILERECORD>(path); }
 
     testsupport::TempDir dir;
     std::string path = dir.file("OLDJOB.dat");
@@ -162,8 +145,7 @@ TEST_F(JobFileOldLayoutTest, AppendConvertsBetweenLayoutsAndRenumbersPages) {
     // Old source into a current-layout target whose last page is 3.
     const std::string current = dir.file("NEWJOB.dat");
     REJobFile target;
-    ASSERT_EQ(1, target.CreateNewFile(current.c_str()));
-    ASSERT_EQ(1, target.Initialize(current.c_str()));
+    testsupport::CreateAndOpen(target, current);
     auto existing = NewJob("Z", "LAST", 3, 1);
     ASSERT_EQ(1, target.AddRecord(existing));
     ASSERT_EQ(1, target.AppendFile(path.c_str(), 1));

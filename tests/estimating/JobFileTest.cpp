@@ -1,8 +1,11 @@
 // The job item file's particular operations on a current-layout file: wildcard searches, the
-// duplicate search of AddRecord, updates and deletes by key, page renumbering on append.
+// duplicate search of AddRecord, updates and deletes by key, page renumbering on append, and
+// which record-manager failures reach the user.
 #include "REJobFile.h"
 #include "RESharedHelpers.h"
 
+#include "RecordBuilders.h"
+#include "StatusInjector.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -40,8 +43,7 @@ std::vector<Key> Keys(REJobFile& file) {
 class JobFileTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_EQ(1, file.CreateNewFile(path.c_str()));
-        ASSERT_EQ(1, file.Initialize(path.c_str()));
+        testsupport::CreateAndOpen(file, path);
         for (auto rec : {Job("A", "BEAM", 1, 1), Job("A", "BEAM", 1, 2), Job("A", "COL", 2, 1),
                          Job("B", "BEAM", 1, 1), Job("B", "PLATE", 3, 4)})
             ASSERT_EQ(1, file.AddRecord(rec));
@@ -148,8 +150,7 @@ TEST_F(JobFileTest, AppendedPagesFollowTheTargetsLastPage) {
     const std::string other = dir.file("JOB002.dat");
     {
         REJobFile source;
-        ASSERT_EQ(1, source.CreateNewFile(other.c_str()));
-        ASSERT_EQ(1, source.Initialize(other.c_str()));
+        testsupport::CreateAndOpen(source, other);
         for (int page = 1; page <= 3; ++page) {
             auto rec = Job("C", "ITEM", page, 1);
             ASSERT_EQ(1, source.AddRecord(rec));
@@ -160,11 +161,54 @@ TEST_F(JobFileTest, AppendedPagesFollowTheTargetsLastPage) {
 
     // An empty target keeps the pages.
     REJobFile empty;
-    const std::string emptyPath = dir.file("JOB003.dat");
-    ASSERT_EQ(1, empty.CreateNewFile(emptyPath.c_str()));
-    ASSERT_EQ(1, empty.Initialize(emptyPath.c_str()));
+    testsupport::CreateAndOpen(empty, dir.file("JOB003.dat"));
     ASSERT_EQ(1, empty.AppendFile(other.c_str(), 0));
     EXPECT_EQ((std::vector<Key>{{"C", "ITEM", 1, 1}, {"C", "ITEM", 2, 1}, {"C", "ITEM", 3, 1}}), Keys(empty));
+}
+
+// A failed search shows the unknown-error message with the status; an exact read is silent
+// whatever it answers, and so are failed writes, which lose nothing; a refused open shows a message.
+TEST_F(JobFileTest, RecordManagerFailures) {
+    using testsupport::StatusInjector;
+    testsupport::MessageCapture messages;
+    ESTJOBFILERECORD rec;
+    {
+        StatusInjector inject(REBtrieveBase::kOpGetGreaterOrEqual, REBtrieveBase::kStatusIoError);
+        EXPECT_EQ(0, file.SearchFirstRecord("A", "", -1, -1, &rec));
+        ASSERT_EQ(1u, messages.count());
+        EXPECT_EQ("Unknown error job database file. [Error# 2]", messages.lastText());
+    }
+    messages.clear();
+    {
+        StatusInjector inject(REBtrieveBase::kOpGetEqual, REBtrieveBase::kStatusIoError);
+        EXPECT_EQ(0, file.GetEqualMatch("A", &rec));
+        EXPECT_EQ(1, inject.hits());
+    }
+    auto added = Job("C", "", 2, 0);
+    {
+        StatusInjector inject(REBtrieveBase::kOpInsert, REBtrieveBase::kStatusIoError);
+        EXPECT_EQ(0, file.AddNewRecord(added));
+        EXPECT_EQ(0, file.AddRecord(added));
+    }
+    {
+        StatusInjector inject(REBtrieveBase::kOpUpdate, 80);
+        auto stored = Job("A", "BEAM", 1, 1);
+        EXPECT_EQ(0, file.UpdateRecord("A", "BEAM", 1, 1, stored));
+    }
+    {
+        StatusInjector inject(REBtrieveBase::kOpDelete, REBtrieveBase::kStatusIoError);
+        EXPECT_EQ(0, file.DeleteRecord(1, 1));
+        EXPECT_EQ(0, file.DeleteAllRecords());
+    }
+    EXPECT_EQ(0u, messages.count());
+    EXPECT_EQ(5u, Keys(file).size());
+    {
+        StatusInjector inject(REBtrieveBase::kOpOpen, REBtrieveBase::kStatusFileNotFound);
+        REJobFile other;
+        EXPECT_EQ(0, other.Initialize(path));
+        EXPECT_EQ(0, other.IsOpen());
+        EXPECT_EQ(1u, messages.count());
+    }
 }
 
 }  // namespace

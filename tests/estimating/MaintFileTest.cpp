@@ -3,7 +3,7 @@
 #include "REMaintFile.h"
 #include "RESharedHelpers.h"
 
-#include "RawRecordFile.h"
+#include "RecordBuilders.h"
 #include "StatusInjector.h"
 #include "TestSupport.h"
 #include "estimating/MaintFileTraits.h"
@@ -15,15 +15,6 @@
 #include <vector>
 
 namespace {
-
-class ListControl : public REListControl {
-public:
-    int AddString(const char* text) override {
-        texts.emplace_back(text);
-        return 0;
-    }
-    std::vector<std::string> texts;
-};
 
 constexpr REKeySegment kOldMaintKey[] = {
     {1, 20, kKeyInnerSegment, kKeyTypeString, kKeyNullByte},
@@ -67,20 +58,17 @@ protected:
     std::string newFile() {
         const std::string at = dir.file("ESTMAINT.dat");
         REMaintFile file;
-        EXPECT_EQ(1, file.CreateNewFile(at.c_str()));
-        EXPECT_EQ(1, file.Initialize(at.c_str()));
+        testsupport::CreateAndOpen(file, at);
         for (MAINTRECORD rec : settings())
             EXPECT_EQ(1, file.AddRecord(rec));
         return at;
     }
     std::string oldFile() {
         const std::string at = dir.file("ESTMAINT.old");
-        EXPECT_EQ(0, testsupport::CreateRawFile(at, sizeof(OLD_MAINTRECORD), kOldMaintKey));
-        testsupport::RawRecordFile raw(at, sizeof(OLD_MAINTRECORD));
-        for (const MAINTRECORD& rec : settings()) {
-            const OLD_MAINTRECORD old = OldSetting(rec.szSection, rec.szItem, rec.fSeq, rec.szValue);
-            EXPECT_EQ(0, raw.insert(&old));
-        }
+        std::vector<OLD_MAINTRECORD> old;
+        for (const MAINTRECORD& rec : settings())
+            old.push_back(OldSetting(rec.szSection, rec.szItem, rec.fSeq, rec.szValue));
+        testsupport::WriteOldFile<OLD_MAINTRECORD>(at, kOldMaintKey, old);
         return at;
     }
     testsupport::TempDir dir;
@@ -108,7 +96,7 @@ TEST_F(MaintFileTest, SearchesInBothLayouts) {
         EXPECT_EQ(0, file.GetFirstMatch("GRADES", "PLATE", 0.9998f, &rec));
         EXPECT_EQ(0, file.GetFirstMatch("", "", &rec));
 
-        ListControl combo;
+        testsupport::ListControl combo;
         EXPECT_EQ(1, file.FillComboWithValue("GRADES", "DEFAULT", &combo));
         EXPECT_EQ((std::vector<std::string>{"A992", "A36"}), combo.texts);
         EXPECT_EQ(0, file.FillComboWithValue("GRADES", "NONE", &combo));
@@ -163,32 +151,21 @@ TEST_F(MaintFileTest, StoredLayoutIsUpdatedInPlace) {
         }
         EXPECT_EQ("Unknown error maint database file. [Error# 8]", messages.lastText());
     }
-    testsupport::RawRecordFile raw(at, sizeof(OLD_MAINTRECORD));
-    const auto records = raw.records();
+    const auto records = testsupport::StoredRecords<OLD_MAINTRECORD>(at);
     const OLD_MAINTRECORD expected = OldSetting("GRADES", "PLATE", 1.0f, "A572 GR50");
     ASSERT_EQ(14u, records.size());
     EXPECT_EQ(0, std::memcmp(&expected, records.back().data(), sizeof expected));
 }
 
-TEST_F(MaintFileTest, CreateCorruptAndFailureMessages) {
+TEST_F(MaintFileTest, CreatedKeysAndSearchFailureMessage) {
     testsupport::MessageCapture messages;
     REMaintFile file;
-    EXPECT_EQ(0, file.CreateNewFile(dir.file("no dir/ESTMAINT.dat").c_str()));
-    EXPECT_EQ("Unknown error to create maint database file. [Error# 25]", messages.lastText());
-    const std::string other = dir.file("other.dat");
-    ASSERT_EQ(0, testsupport::CreateRawFile(other, 450));
-    EXPECT_EQ(0, file.Initialize(other.c_str()));
-    EXPECT_EQ("ESTMAINT.dat file is corrupt.", messages.lastText());
-    EXPECT_EQ(0, file.IsOpen());
-
     ASSERT_EQ(1, file.Initialize(newFile().c_str()));
     EXPECT_EQ(0, file.m_isOldFormat);
     STAT_BUFFER stat{};
     ASSERT_EQ(1, file.GetStatus(&stat));
-    EXPECT_EQ(451, stat.recordLength);
     EXPECT_EQ(1, stat.numberOfKeys);
     EXPECT_EQ(kFileFlagsJobItems, stat.fileFlags);
-    messages.clear();
     MAINTRECORD rec;
     {
         testsupport::StatusInjector injector(REBtrieveBase::kOpGetGreaterOrEqual, 2);
