@@ -4,7 +4,7 @@
 #include "REPdcMarkFile.h"
 #include "RESharedHelpers.h"
 
-#include "RawRecordFile.h"
+#include "PdcFileFamilyFixture.h"
 #include "RecordFilePatternSuite.h"
 #include "TestSupport.h"
 
@@ -84,10 +84,7 @@ namespace {
 
 class PdcDataFileTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_EQ(1, file.CreateNewFile(path.c_str()));
-        ASSERT_EQ(1, file.Initialize(path.c_str()));
-    }
+    void SetUp() override { testsupport::CreateAndOpen(file, path); }
     void add(std::initializer_list<PDCDATATYPE> rows) {
         for (PDCDATATYPE rec : rows)
             ASSERT_EQ(1, file.AddRecord(rec));
@@ -165,9 +162,7 @@ TEST_F(PdcDataFileTest, MainMarksAndTheMainMarkOfAPiece) {
     EXPECT_EQ(0u, messages.count());
 
     REPdcDataFile empty;
-    const std::string other = dir.file("empty.pdc");
-    ASSERT_EQ(1, empty.CreateNewFile(other.c_str()));
-    ASSERT_EQ(1, empty.Initialize(other.c_str()));
+    testsupport::CreateAndOpen(empty, dir.file("empty.pdc"));
     EXPECT_EQ(0, empty.GetAllMainMarks(texts));
     EXPECT_TRUE(texts.empty());
 }
@@ -232,19 +227,12 @@ TEST_F(PdcDataFileTest, InitializeOnAnOpenFileOnlyClosesIt) {
 // numbers; their key lies at the old place of the main mark.
 constexpr REKeySegment kOldMainKey[] = {{18, 17, kKeyLastSegment | kKeyDuplicates, kKeyTypeString, kKeyNullByte}};
 
-void PutOldMark(OLD_MARKTYPE& mark, std::string_view text) {
-    std::memset(&mark, ' ', sizeof mark);
-    mark.cLead = '\x05';
-    std::memcpy(mark.sMark, text.data(), text.size());
-}
-
 OLD_PDCDATATYPE OldRow(const char* main, const char* flag, std::string_view piece, int16_t value) {
-    OLD_PDCDATATYPE rec;
-    std::memset(&rec, ' ', sizeof rec);
-    PutOldMark(rec.szMainMark, main);
-    PutOldMark(rec.szSecondMark, "SEC");
+    auto rec = testsupport::Blank<OLD_PDCDATATYPE>();
+    PutOldMark(rec.szMainMark, main, '\x05');
+    PutOldMark(rec.szSecondMark, "SEC", '\x05');
     rec.szMainOrAcc[0] = flag[0];
-    PutOldMark(rec.szPieceMark, piece);
+    PutOldMark(rec.szPieceMark, piece, '\x05');
     rec.nValue53 = value;
     rec.nValue57 = static_cast<int16_t>(-value);
     std::memcpy(rec.szText61, "TEN CHARS!", 10);
@@ -256,13 +244,8 @@ OLD_PDCDATATYPE OldRow(const char* main, const char* flag, std::string_view piec
 TEST(PdcDataFileOldLayout, RowsAreConvertedOnEveryReadAndWritesPassTheCurrentRecord) {
     testsupport::TempDir dir;
     const std::string path = dir.file("old.pdc");
-    ASSERT_EQ(0, testsupport::CreateRawFile(path, sizeof(OLD_PDCDATATYPE), kOldMainKey));
-    {
-        testsupport::RawRecordFile raw(path, sizeof(OLD_PDCDATATYPE));
-        OLD_PDCDATATYPE a = OldRow("A1", "m", "A1", -300), b = OldRow("A1", "A", std::string_view("X\0Y", 3), 7);
-        ASSERT_EQ(0, raw.insert(&b));
-        ASSERT_EQ(0, raw.insert(&a));
-    }
+    testsupport::WriteOldFile<OLD_PDCDATATYPE>(
+        path, kOldMainKey, {OldRow("A1", "A", std::string_view("X\0Y", 3), 7), OldRow("A1", "m", "A1", -300)});
     REPdcDataFile file;
     ASSERT_EQ(1, file.Initialize(path.c_str()));
     EXPECT_EQ(1, file.m_isOldFormat);
@@ -284,9 +267,7 @@ TEST(PdcDataFileOldLayout, RowsAreConvertedOnEveryReadAndWritesPassTheCurrentRec
 
     // Appended into a current file, old rows arrive converted.
     REPdcDataFile target;
-    const std::string current = dir.file("new.pdc");
-    ASSERT_EQ(1, target.CreateNewFile(current.c_str()));
-    ASSERT_EQ(1, target.Initialize(current.c_str()));
+    testsupport::CreateAndOpen(target, dir.file("new.pdc"));
     ASSERT_EQ(1, target.AppendFile(path.c_str(), 1));
     std::vector<std::string> marks;
     ASSERT_EQ(1, target.GetAllPcMarks("A1", marks));
@@ -296,8 +277,7 @@ TEST(PdcDataFileOldLayout, RowsAreConvertedOnEveryReadAndWritesPassTheCurrentRec
     PDCDATATYPE added = Row("NEW", "M", "NEW", 3);
     ASSERT_EQ(1, file.AddRecord(&added));
     file.Close();
-    testsupport::RawRecordFile raw(path, sizeof(OLD_PDCDATATYPE));
-    const auto records = raw.records();
+    const auto records = testsupport::StoredRecords<OLD_PDCDATATYPE>(path);
     ASSERT_EQ(3u, records.size());
     EXPECT_EQ(0, std::memcmp(records[2].data(), &added, sizeof(OLD_PDCDATATYPE)));
 }

@@ -11,8 +11,7 @@
 #include "REPdcTrackingLaborDataFile.h"
 #include "RESharedHelpers.h"
 
-#include "RawRecordFile.h"
-#include "TestSupport.h"
+#include "PdcFileFamilyFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -22,21 +21,7 @@
 
 namespace {
 
-using testsupport::CreateRawFile;
-using testsupport::RawRecordFile;
-
-// Blank-padded old text without terminator.
-template <size_t N>
-void PutOld(char (&field)[N], const char* text) {
-    std::memset(field, ' ', N);
-    std::memcpy(field, text, std::min(N, std::strlen(text)));
-}
-
-// An old mark: a meaningless lead byte, then 16 bytes that may hold NULs and blanks.
-void PutOldMark(OLD_MARKTYPE& mark, const char (&bytes)[17]) {
-    mark.cLead = 'x';
-    std::memcpy(mark.sMark, bytes, sizeof mark.sMark);
-}
+using testsupport::Blank;
 
 double Date(const char* text) {
     double date = 0.0;
@@ -52,10 +37,7 @@ protected:
     std::string writeOld(const char* name, const std::vector<Old>& records, uint16_t keyFlags = 0x0103) {
         const std::string path = dir.file(name);
         const REKeySegment key[] = {{1, 2, keyFlags, kKeyTypeInteger, 20}};
-        EXPECT_EQ(0, CreateRawFile(path, sizeof(Old), key));
-        RawRecordFile raw(path, sizeof(Old));
-        for (const Old& rec : records)
-            EXPECT_EQ(0, raw.insert(&rec));
+        testsupport::WriteOldFile<Old>(path, key, records);
         return path;
     }
 
@@ -77,18 +59,13 @@ protected:
 };
 
 TEST_F(PdcOldLayoutTest, SequenceNumbersAreSignExtendedAndMarksSqueezed) {
-    OLD_PDCSEQDATATYPE old;
-    std::memset(&old, ' ', sizeof old);
+    auto old = Blank<OLD_PDCSEQDATATYPE>();
     old.nNumber = -2;
-    PutOldMark(old.sFirstName, {' ', 'B', 0, '1', '2', 0, ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '});
-    PutOldMark(old.sSecondName, {0, 0, ' ', 'S', '1', ' ', 'A', 0, 0, 0, 0, 0, 0, 0, 0, 0});
+    PutOldMark(old.sFirstName, std::string_view(" B\0" "12\0          ", 16));
+    PutOldMark(old.sSecondName, std::string_view("\0\0 S1 A\0\0\0\0\0\0\0\0\0", 16));
     const std::string path = dir.file("seq.dat");
     const REKeySegment key[] = {{2, 16, 0x0103, kKeyTypeString, 20}};
-    ASSERT_EQ(0, CreateRawFile(path, sizeof old, key));
-    {
-        RawRecordFile raw(path, sizeof old);
-        ASSERT_EQ(0, raw.insert(&old));
-    }
+    testsupport::WriteOldFile<OLD_PDCSEQDATATYPE>(path, key, {old});
     const auto records = readAll<REPdcSequenceFile>(path);
     ASSERT_EQ(1u, records.size());
     EXPECT_STREQ("B12", records[0].sFirstName);
@@ -97,19 +74,14 @@ TEST_F(PdcOldLayoutTest, SequenceNumbersAreSignExtendedAndMarksSqueezed) {
 }
 
 TEST_F(PdcOldLayoutTest, PayCategoryRatesAreWidened) {
-    OLD_PDCPAYCATDATATYPE old;
-    std::memset(&old, ' ', sizeof old);
+    auto old = Blank<OLD_PDCPAYCATDATATYPE>();
     PutOld(old.sPayCatCode, "WELD");
     PutOld(old.sDescription, "Welding  shop");
     old.dRate1 = 21.25f;
     old.dRate2 = -0.5f;
     const std::string path = dir.file("pay.dat");
     const REKeySegment key[] = {{1, 6, 0x0103, kKeyTypeString, 20}};
-    ASSERT_EQ(0, CreateRawFile(path, sizeof old, key));
-    {
-        RawRecordFile raw(path, sizeof old);
-        ASSERT_EQ(0, raw.insert(&old));
-    }
+    testsupport::WriteOldFile<OLD_PDCPAYCATDATATYPE>(path, key, {old});
     const auto records = readAll<REPdcPayCategoryDataFile>(path);
     ASSERT_EQ(1u, records.size());
     EXPECT_STREQ("WELD", records[0].sPayCatCode);
@@ -119,17 +91,16 @@ TEST_F(PdcOldLayoutTest, PayCategoryRatesAreWidened) {
 }
 
 TEST_F(PdcOldLayoutTest, TrackingRecordsConvertNumbersMarksDatesAndSizeKey) {
-    OLD_PDCTRACKFILETYPE old;
-    std::memset(&old, ' ', sizeof old);
+    auto old = Blank<OLD_PDCTRACKFILETYPE>();
     old.nValue0 = -2;
     PutOld(old.sText4, "ST01");
-    PutOldMark(old.sMark13, {' ', 'B', 0, '1', '2', 0, ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '});
-    PutOldMark(old.sMark30, {'A', '7', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '});
+    PutOldMark(old.sMark13, std::string_view(" B\0" "12\0          ", 16));
+    PutOldMark(old.sMark30, std::string_view("A7              ", 16));
     std::memcpy(old.dDate47, "960105", 7);  // six digits and their terminator
     old.nValue55 = 300;
     PutOld(old.sizeKey.szShape, "W");
     PutOld(old.sText154, "AB");
-    PutOldMark(old.sMark175, {0, 'P', 0, '9', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+    PutOldMark(old.sMark175, std::string_view("\0P\09\0\0\0\0\0\0\0\0\0\0\0\0", 16));
     const uint8_t value[4] = {1, 2, 3, 0xFF};
     std::memcpy(old.value196, value, 4);
     PutOld(old.sText222, "0123456789");
@@ -155,8 +126,7 @@ TEST_F(PdcOldLayoutTest, TrackingRecordsConvertNumbersMarksDatesAndSizeKey) {
 }
 
 TEST_F(PdcOldLayoutTest, LaborTrackingAndStationLoadDatesFromTextOfEitherForm) {
-    OLD_PDCTRACKLABORFILETYPE labor;
-    std::memset(&labor, ' ', sizeof labor);
+    auto labor = Blank<OLD_PDCTRACKLABORFILETYPE>();
     labor.nValue0 = 4;
     labor.nValue42 = -1;
     labor.nValue46 = 32767;
@@ -170,17 +140,12 @@ TEST_F(PdcOldLayoutTest, LaborTrackingAndStationLoadDatesFromTextOfEitherForm) {
     EXPECT_STREQ("FIT", tracked[0].sText30);
 
     // The station load file has no key; a date too short to read stays 0.
-    OLD_PDCSTATIONLOADDATATYPE load;
-    std::memset(&load, ' ', sizeof load);
+    auto load = Blank<OLD_PDCSTATIONLOADDATATYPE>();
     load.nValue0 = -7;
     PutOld(load.sText41, "LOAD");
     PutOld(load.dDate60, "12345");
     const std::string path = dir.file("load.dat");
-    ASSERT_EQ(0, CreateRawFile(path, sizeof load));
-    {
-        RawRecordFile raw(path, sizeof load);
-        ASSERT_EQ(0, raw.insert(&load));
-    }
+    testsupport::WriteOldFile<OLD_PDCSTATIONLOADDATATYPE>(path, {}, {load});
     const auto loads = readAll<REPdcStationLoadDataFile>(path);
     ASSERT_EQ(1u, loads.size());
     EXPECT_EQ(-7, +loads[0].nValue0);
@@ -189,8 +154,7 @@ TEST_F(PdcOldLayoutTest, LaborTrackingAndStationLoadDatesFromTextOfEitherForm) {
 }
 
 TEST_F(PdcOldLayoutTest, BatchHeaderTextsAreTrimmedOnBothSides) {
-    OLD_PDCBIDFILETYPE old;
-    std::memset(&old, ' ', sizeof old);
+    auto old = Blank<OLD_PDCBIDFILETYPE>();
     old.nBatchNo = -3;
     old.nByte4 = 0xAB;
     old.nValue5 = 12;
@@ -210,8 +174,7 @@ TEST_F(PdcOldLayoutTest, BatchHeaderTextsAreTrimmedOnBothSides) {
 }
 
 TEST_F(PdcOldLayoutTest, BatchLineTextsAreJoinedFromTrimmedParts) {
-    OLD_PDCBILABFILETYPE labor;
-    std::memset(&labor, ' ', sizeof labor);
+    auto labor = Blank<OLD_PDCBILABFILETYPE>();
     labor.nBatchNo = 1;
     labor.nValue43 = -9;
     PutOld(labor.sText12[0], "CUT");
@@ -227,10 +190,9 @@ TEST_F(PdcOldLayoutTest, BatchLineTextsAreJoinedFromTrimmedParts) {
     // Three full parts are cut to what the field holds with its terminator.
     EXPECT_EQ(std::string(30, 'Z'), lines[1].sText12);
 
-    OLD_PDCBIPIEFILETYPE piece;
-    std::memset(&piece, ' ', sizeof piece);
+    auto piece = Blank<OLD_PDCBIPIEFILETYPE>();
     piece.nBatchNo = 2;
-    PutOldMark(piece.sMark21, {' ', 'B', 0, '1', '2', 0, ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '});
+    PutOldMark(piece.sMark21, std::string_view(" B\0" "12\0          ", 16));
     piece.nValue38 = -40;
     PutOld(piece.sText59[0], " A B");
     PutOld(piece.sText59[1], "C");
@@ -246,15 +208,13 @@ TEST_F(PdcOldLayoutTest, BatchLineTextsAreJoinedFromTrimmedParts) {
 TEST_F(PdcOldLayoutTest, AppendConvertsOldRecordsIntoTheCurrentLayout) {
     std::vector<OLD_PDCBILABFILETYPE> old(25);
     for (size_t i = 0; i < old.size(); ++i) {
-        std::memset(&old[i], ' ', sizeof old[i]);
+        old[i] = Blank<OLD_PDCBILABFILETYPE>();
         old[i].nBatchNo = static_cast<int16_t>(-static_cast<int>(i));
         PutOld(old[i].sText12[2], "  END");
     }
     const std::string source = writeOld("old.dat", old, 0x0103 | 1);
     REPdcBatInpLaborDataFile target;
-    const std::string path = dir.file("new.dat");
-    ASSERT_EQ(1, target.CreateNewFile(path.c_str()));
-    ASSERT_EQ(1, target.Initialize(path.c_str()));
+    testsupport::CreateAndOpen(target, dir.file("new.dat"));
     EXPECT_EQ(0, target.IsOldFormat());
     EXPECT_EQ(1, target.AppendFile(source.c_str(), 0));
     std::vector<PDCBILABFILETYPE*> lines;

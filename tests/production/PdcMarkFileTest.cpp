@@ -5,8 +5,7 @@
 #include "REPdcMarkText.h"
 #include "RESharedHelpers.h"
 
-#include "RawRecordFile.h"
-#include "TestSupport.h"
+#include "PdcFileFamilyFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -16,13 +15,6 @@
 #include <vector>
 
 namespace {
-
-void PutOld(char* field, std::string_view text) { std::memcpy(field, text.data(), text.size()); }
-
-void PutOldMark(OLD_MARKTYPE& mark, std::string_view text) {
-    mark.cLead = 'x';
-    PutOld(mark.sMark, text);
-}
 
 // A float in the sortable form of old files: sign bit set on a positive number, most
 // significant byte first.
@@ -67,8 +59,7 @@ TEST(MarkText, OldMarksLoseTheLeadByteTheirNulsAndOuterBlanks) {
 constexpr REKeySegment kOldMarkKey[] = {{78, 17, kKeyLastSegment, kKeyTypeString, kKeyNullByte}};
 
 TEST(PdcMarkFileOldLayout, EveryFieldIsConvertedOnRead) {
-    OLD_PDCMARKDATATYPE old;
-    std::memset(&old, ' ', sizeof old);
+    auto old = testsupport::Blank<OLD_PDCMARKDATATYPE>();
     PutOld(old.szText56, "AB");
     PutOld(old.szText60, "CDEF");
     PutOld(old.szText65, "G");
@@ -96,11 +87,7 @@ TEST(PdcMarkFileOldLayout, EveryFieldIsConvertedOnRead) {
 
     testsupport::TempDir dir;
     const std::string path = dir.file("old.mrk");
-    ASSERT_EQ(0, testsupport::CreateRawFile(path, sizeof old, kOldMarkKey));
-    {
-        testsupport::RawRecordFile raw(path, sizeof old);
-        ASSERT_EQ(0, raw.insert(&old));
-    }
+    testsupport::WriteOldFile<OLD_PDCMARKDATATYPE>(path, kOldMarkKey, {old});
     REPdcMarkFile file;
     ASSERT_EQ(1, file.Initialize(path.c_str()));
     EXPECT_EQ(1, file.m_isOldFormat);
@@ -148,8 +135,7 @@ TEST(PdcLinkFile, KeylessFileIsReadInRecordOrder) {
     testsupport::TempDir dir;
     const std::string path = dir.file("job.lnk");
     REPdcLinkFile file;
-    ASSERT_EQ(1, file.CreateNewFile(path.c_str()));
-    ASSERT_EQ(1, file.Initialize(path.c_str()));
+    testsupport::CreateAndOpen(file, path);
     STAT_BUFFER stat{};
     ASSERT_EQ(1, file.GetStatus(&stat));
     EXPECT_EQ(0, +stat.numberOfKeys);
@@ -178,8 +164,7 @@ TEST(PdcLinkFile, KeylessFileIsReadInRecordOrder) {
 }
 
 TEST(PdcLinkFileOldLayout, OldLinksAreConvertedOnReadAndAppend) {
-    OLD_PDCLINKFILETYPE old;
-    std::memset(&old, ' ', sizeof old);
+    auto old = testsupport::Blank<OLD_PDCLINKFILETYPE>();
     PutOldMark(old.szMark1, "A1");
     PutOldMark(old.szMark2, std::string_view("\0B\0" "2", 4));
     PutOldMark(old.szMark3, "  C3");
@@ -194,12 +179,7 @@ TEST(PdcLinkFileOldLayout, OldLinksAreConvertedOnReadAndAppend) {
 
     testsupport::TempDir dir;
     const std::string path = dir.file("old.lnk");
-    ASSERT_EQ(0, testsupport::CreateRawFile(path, sizeof old));
-    {
-        testsupport::RawRecordFile raw(path, sizeof old);
-        ASSERT_EQ(0, raw.insert(&old));
-        ASSERT_EQ(0, raw.insert(&old));
-    }
+    testsupport::WriteOldFile<OLD_PDCLINKFILETYPE>(path, {}, {old, old});
     REPdcLinkFile file;
     ASSERT_EQ(1, file.Initialize(path.c_str()));
     EXPECT_EQ(1, file.m_isOldFormat);
@@ -219,8 +199,7 @@ TEST(PdcLinkFileOldLayout, OldLinksAreConvertedOnReadAndAppend) {
 
     const std::string current = dir.file("new.lnk");
     REPdcLinkFile target;
-    ASSERT_EQ(1, target.CreateNewFile(current.c_str()));
-    ASSERT_EQ(1, target.Initialize(current.c_str()));
+    testsupport::CreateAndOpen(target, current);
     ASSERT_EQ(1, target.AppendFile(path.c_str(), 0));
     std::vector<PDCLINKFILETYPE*> links;
     ASSERT_EQ(1, target.GetAllRecords(links));
