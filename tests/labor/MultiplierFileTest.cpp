@@ -7,6 +7,7 @@
 
 #include "RecordBuilders.h"
 #include "StatusInjector.h"
+#include "WorkFileSuite.h"
 
 #include <gtest/gtest.h>
 
@@ -170,92 +171,46 @@ TEST(MultiplierFile, CreatesTheCodeKeyWithABlankNullValue) {
     EXPECT_EQ(0, wrong.IsOpen());
 }
 
-// The two estimate multiplier tables differ only in their record and messages.
-template <class File, class Record, int kCorrupt>
-struct EstMult {
-    using FileType = File;
-    using RecordType = Record;
-    static constexpr int kCorruptCode = kCorrupt;
-};
-
-template <class T>
-class EstMultTables : public ::testing::Test {
-protected:
-    using File = typename T::FileType;
-    using Record = typename T::RecordType;
-
-    static Record Row(int n) {
+template <class F, class R>
+struct EstMultTraits {
+    using File = F;
+    using Record = R;
+    static constexpr uint16_t kRecordLength = sizeof(R);
+    static constexpr bool kStoredOrder = true;  // no key
+    static constexpr bool kReportsCompletedWalk = true;
+    static constexpr bool kKeepsOwnPath = false;
+    static Record Sample(int n) {
         Record rec{};
         std::snprintf(reinterpret_cast<char*>(rec.data), sizeof rec.data, "row %d", n);
         rec.data[sizeof rec.data - 1] = static_cast<uint8_t>(n);
         return rec;
     }
-    static const char* CorruptText() {
-        return T::kCorruptCode == 1205 ? "Est-Mult-Long data file is corrupt." : "Est-Mult-Short data file is corrupt.";
-    }
-    static std::string CreateText() {
-        return T::kCorruptCode == 1205 ? "Unknown error to create Mult-Long database file. [Error# 25]"
-                                       : "Unknown error to create Mult-Short database file. [Error# 25]";
-    }
-
-    testsupport::TempDir dir;
+};
+struct EstMultLong : EstMultTraits<REEstMultLongFile, MULTLONGRECORD> {
+    static constexpr const char* kCorruptText = "Est-Mult-Long data file is corrupt.";
+    static constexpr const char* kCreateErrorText = "Unknown error to create Mult-Long database file. [Error# %d]";
+};
+struct EstMultShort : EstMultTraits<REEstMultShortFile, MULTSHORTRECORD> {
+    static constexpr const char* kCorruptText = "Est-Mult-Short data file is corrupt.";
+    static constexpr const char* kCreateErrorText = "Unknown error to create Mult-Short database file. [Error# %d]";
 };
 
-using EstMultTypes = ::testing::Types<EstMult<REEstMultLongFile, MULTLONGRECORD, 1205>,
-                                      EstMult<REEstMultShortFile, MULTSHORTRECORD, 1207>>;
-TYPED_TEST_SUITE(EstMultTables, EstMultTypes);
-
-TYPED_TEST(EstMultTables, RowsAreReadBackInOrderAndDeletedWhole) {
-    using Record = typename TestFixture::Record;
-    typename TestFixture::File file;
-    CreateAndOpen(file, this->dir.file("mult.dat"));
-    EXPECT_EQ(1, file.DeleteAllRecord());  // an empty file ends the walk at once
-    Record rec;
-    EXPECT_EQ(0, file.GetFirstRecord(&rec));
-
-    for (int n : {3, 1, 2}) {
-        Record row = this->Row(n);
-        ASSERT_EQ(1, n == 3 ? file.AddRecord(row) : file.AddRecord(&row));
+// The tables are created without a key.
+TEST(EstMultTables, CreatedWithoutAKey) {
+    testsupport::TempDir dir;
+    REEstMultLongFile longFile;
+    REEstMultShortFile shortFile;
+    CreateAndOpen(longFile, dir.file("long.dat"));
+    CreateAndOpen(shortFile, dir.file("short.dat"));
+    for (REBtrieveBase* file : {static_cast<REBtrieveBase*>(&longFile), static_cast<REBtrieveBase*>(&shortFile)}) {
+        STAT_BUFFER stat{};
+        ASSERT_EQ(1, file->GetStatus(&stat));
+        EXPECT_EQ(0, stat.numberOfKeys);
+        EXPECT_EQ(0x40, stat.fileFlags);
     }
-    std::list<Record*> list;
-    ASSERT_EQ(1, file.GetAllRecords(list));
-    ASSERT_EQ(3u, list.size());
-    const int order[] = {3, 1, 2};
-    int i = 0;
-    for (Record* row : list)
-        EXPECT_EQ(Bytes(this->Row(order[i++])), Bytes(*row));
-    EXPECT_EQ(1, TestFixture::File::ResetCalcRecArray(list));
-    EXPECT_TRUE(list.empty());
-
-    EXPECT_EQ(1, file.DeleteAllRecord());
-    EXPECT_EQ(0, file.GetFirstRecord(&rec));
-    std::vector<Record*> array;
-    EXPECT_EQ(0, file.GetAllRecords(array));
-
-    // A failing step ends the walk abnormally.
-    Record row = this->Row(1);
-    ASSERT_EQ(1, file.AddRecord(row));
-    testsupport::StatusInjector injector(REBtrieveBase::kOpStepNext, REBtrieveBase::kStatusIoError);
-    EXPECT_EQ(0, file.DeleteAllRecord());
-}
-
-TYPED_TEST(EstMultTables, WrongLengthsAndCreateFailuresShowTheTablesMessages) {
-    testsupport::MessageCapture messages;
-    typename TestFixture::File file;
-    EXPECT_EQ(0, file.CreateNewFile(this->dir.file("no such dir/m.dat").c_str()));
-    EXPECT_EQ(this->CreateText(), messages.lastText());
-    const std::string other = this->dir.file("other.dat");
-    ASSERT_EQ(0, testsupport::CreateRawFile(other, 100));
-    EXPECT_EQ(0, file.Initialize(other.c_str()));
-    EXPECT_EQ(this->CorruptText(), messages.lastText());
-    EXPECT_EQ(0, file.IsOpen());
-
-    CreateAndOpen(file, this->dir.file("m.dat"));
-    STAT_BUFFER stat{};
-    ASSERT_EQ(1, file.GetStatus(&stat));
-    EXPECT_EQ(static_cast<int>(sizeof(typename TestFixture::Record)), stat.recordLength);
-    EXPECT_EQ(0, stat.numberOfKeys);
-    EXPECT_EQ(0x40, stat.fileFlags);
 }
 
 }  // namespace
+
+using EstMultTables = ::testing::Types<EstMultLong, EstMultShort>;
+INSTANTIATE_TYPED_TEST_SUITE_P(EstMult, WorkFilePattern, EstMultTables);

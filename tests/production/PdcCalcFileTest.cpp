@@ -1,13 +1,13 @@
-// The production sort file: every named report order read back, the keys that fold letter case
-// (and the flag that does not), the missing file, the walk that empties the file, and key 3
-// whose integer segment overlaps the text after it.
+// The production sort file: the shared work-file behaviour, every named report order read back,
+// the keys that fold letter case (and the flag that does not), and key 3 whose integer segment
+// overlaps the text after it.
 #include "REPdcCalcFile.h"
 #include "RESharedHelpers.h"
 #include "production/PdcCalcTraits.h"
 
-#include "RawRecordFile.h"
-#include "StatusInjector.h"
+#include "RecordBuilders.h"
 #include "TestSupport.h"
+#include "WorkFileSuite.h"
 
 #include <gtest/gtest.h>
 
@@ -47,12 +47,22 @@ PDCCALCRECORD Row(int i) {
     return rec;
 }
 
+struct PdcCalcWorkTraits {
+    using File = REPdcCalcFile;
+    using Record = PDCCALCRECORD;
+    static constexpr uint16_t kRecordLength = 242;
+    static constexpr bool kStoredOrder = false;
+    static constexpr bool kReportsCompletedWalk = false;
+    static constexpr bool kKeepsOwnPath = true;
+    static constexpr const char* kCorruptText = "Pdc calculation data file is corrupt.";
+    static constexpr const char* kCreateErrorText = "Unable to create calculation database file. [Error# %d]";
+    // Rows 0..4 ascend on key 0.
+    static Record Sample(int n) { return Row(std::find(kByKey0, kByKey0 + kRows, n) - kByKey0); }
+};
+
 class PdcCalcFileTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_EQ(1, file.CreateNewFile(path.c_str()));
-        ASSERT_EQ(1, file.Initialize(path.c_str()));
-    }
+    void SetUp() override { testsupport::CreateAndOpen(file, path); }
     // Rows in the order of the reads on the current key.
     std::vector<int> order() {
         std::vector<int> rows;
@@ -116,61 +126,12 @@ TEST_F(PdcCalcFileTest, LetterCaseCollidesExceptInTheFlag) {
     EXPECT_EQ(1, file.AddRecord(other));
 }
 
-TEST_F(PdcCalcFileTest, DeleteAllEmptiesTheFileAndAnswersZero) {
-    EXPECT_EQ(0, file.DeleteAllRecord());
-    for (int i = 0; i < 3; ++i) {
-        PDCCALCRECORD rec = Row(i);
-        ASSERT_EQ(1, file.AddRecord(rec));
-    }
-    testsupport::MessageCapture messages;
-    EXPECT_EQ(0, file.DeleteAllRecord());
-    PDCCALCRECORD rec;
-    EXPECT_EQ(0, file.GetFirstRecord(&rec));
-    EXPECT_EQ(0u, messages.count());
-}
-
-TEST_F(PdcCalcFileTest, OpenFailuresLeaveTheObjectClosed) {
-    testsupport::MessageCapture messages;
-    REPdcCalcFile other;
-    const std::string missing = dir.file("missing.dat");
-    EXPECT_EQ(0, other.Initialize(missing));
-    EXPECT_EQ(0u, messages.count());
-    EXPECT_EQ(0, other.IsOpen());
-    EXPECT_EQ(0, other.m_fileOpen);
-    EXPECT_STREQ(missing.c_str(), other.m_filePath);
-
-    // An open object given a missing path closes first.
-    EXPECT_EQ(1, file.m_fileOpen);
-    EXPECT_EQ(0, file.Initialize(missing.c_str()));
-    EXPECT_EQ(0, file.IsOpen());
-    EXPECT_EQ(0, file.m_fileOpen);
-
-    const std::string wrong = dir.file("wrong.dat");
-    ASSERT_EQ(0, testsupport::CreateRawFile(wrong, 241));
-    EXPECT_EQ(0, other.Initialize(wrong));
-    EXPECT_EQ("Pdc calculation data file is corrupt.", messages.lastText());
-    EXPECT_EQ(0, other.IsOpen());
-    EXPECT_EQ(0, other.m_fileOpen);
-
-    EXPECT_EQ(0, other.CreateNewFile(dir.file("no such dir/x.dat").c_str()));
-    EXPECT_EQ("Unable to create calculation database file. [Error# 25]", messages.lastText());
-
-    // Single reads stay silent whatever the record manager answers.
-    ASSERT_EQ(1, other.Initialize(path));
-    messages.clear();
-    testsupport::StatusInjector injector(REBtrieveBase::kOpGetFirst, REBtrieveBase::kStatusIoError);
-    PDCCALCRECORD rec;
-    EXPECT_EQ(0, other.GetFirstRecord(&rec));
-    EXPECT_EQ(0u, messages.count());
-}
-
 // Key 3 as created: its first segment, an integer at 57 for 4 bytes, shares byte 60 with the
 // text segment after it. The record manager takes it, orders by it segment by segment and
 // searches on it.
 TEST_F(PdcCalcFileTest, OverlappingSegmentsOfTheDimensionKey) {
     STAT_BUFFER stat{};
     ASSERT_EQ(1, file.GetStatus(&stat));
-    EXPECT_EQ(242, stat.recordLength);
     EXPECT_EQ(4, stat.numberOfKeys);
     EXPECT_EQ(0x40, stat.fileFlags);
     const size_t key3 = 6 + 7 + 7;  // segments before key 3
@@ -226,3 +187,5 @@ TEST_F(PdcCalcFileTest, OverlappingSegmentsOfTheDimensionKey) {
 }
 
 }  // namespace
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Production, WorkFilePattern, PdcCalcWorkTraits);

@@ -1,10 +1,11 @@
-// The purchasing work file: key order with letter case folded, the missing file, the walk that
-// empties the file, and its messages.
+// The purchasing work file: the shared work-file behaviour, key order with letter case folded and
+// the keys it is created with.
 #include "REPurchCalcFile.h"
 #include "RESharedHelpers.h"
 
-#include "RawRecordFile.h"
+#include "RecordBuilders.h"
 #include "TestSupport.h"
+#include "WorkFileSuite.h"
 
 #include <gtest/gtest.h>
 
@@ -24,12 +25,21 @@ PURCHASECALCRECORD Purchase(const char* vendor, const char* item, int32_t number
     return rec;
 }
 
+struct PurchCalcTraits {
+    using File = REPurchCalcFile;
+    using Record = PURCHASECALCRECORD;
+    static constexpr uint16_t kRecordLength = 862;
+    static constexpr bool kStoredOrder = false;
+    static constexpr bool kReportsCompletedWalk = false;
+    static constexpr bool kKeepsOwnPath = true;
+    static constexpr const char* kCorruptText = "Calculation data file is corrupt.";
+    static constexpr const char* kCreateErrorText = "Unable to create calculation database file. [Error# %d]";
+    static Record Sample(int n) { return Purchase("V", "I", n); }
+};
+
 class PurchCalcFileTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_EQ(1, file.CreateNewFile(path));
-        ASSERT_EQ(1, file.Initialize(path));
-    }
+    void SetUp() override { testsupport::CreateAndOpen(file, path); }
     std::vector<std::string> rows() {
         std::vector<PURCHASECALCRECORD*> all;
         file.GetAllRecords(all);
@@ -64,34 +74,7 @@ TEST_F(PurchCalcFileTest, RowsComeInKeyOrderAndCaseOnlyDifferencesCollide) {
     EXPECT_EQ(2, rec.nValue20);
 }
 
-TEST_F(PurchCalcFileTest, DeleteAllEmptiesTheFileAndAnswersZero) {
-    EXPECT_EQ(0, file.DeleteAllRecord());
-    for (int i = 0; i < 3; ++i) {
-        auto rec = Purchase("V", "I", i);
-        ASSERT_EQ(1, file.AddRecord(rec));
-    }
-    EXPECT_EQ(0, file.DeleteAllRecord());
-    EXPECT_TRUE(rows().empty());
-}
-
-TEST_F(PurchCalcFileTest, OpenAndCreateFailures) {
-    testsupport::MessageCapture messages;
-    REPurchCalcFile other;
-    EXPECT_EQ(0, other.Initialize(dir.file("missing.dat").c_str()));
-    EXPECT_EQ(0u, messages.count());
-    EXPECT_EQ(0, other.IsOpen());
-    EXPECT_EQ(0, other.m_fileOpen);
-
-    const std::string wrong = dir.file("wrong.dat");
-    ASSERT_EQ(0, testsupport::CreateRawFile(wrong, 242));
-    EXPECT_EQ(0, other.Initialize(wrong));
-    EXPECT_EQ("Calculation data file is corrupt.", messages.lastText());
-    EXPECT_EQ(0, other.IsOpen());
-    EXPECT_EQ(0, other.m_fileOpen);
-
-    EXPECT_EQ(0, other.CreateNewFile(dir.file("no such dir/x.dat")));
-    EXPECT_EQ("Unable to create calculation database file. [Error# 25]", messages.lastText());
-
+TEST_F(PurchCalcFileTest, CreatedWithOneKeyOfFourSegments) {
     STAT_BUFFER stat{};
     ASSERT_EQ(1, file.GetStatus(&stat));
     EXPECT_EQ(862, stat.recordLength);
@@ -106,9 +89,8 @@ TEST_F(PurchCalcFileTest, OpenAndCreateFailures) {
         EXPECT_EQ(expectedTypes[i], stat.keySpecs[16 * i + 10]) << i;
         EXPECT_EQ(0x14, stat.keySpecs[16 * i + 11]) << i;
     }
-    std::string name;
-    file.GetBtrieveFileName(name);
-    EXPECT_EQ(path, name);
 }
 
 }  // namespace
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Purchasing, WorkFilePattern, PurchCalcTraits);
