@@ -2,6 +2,7 @@
 #include "REEstProjectInfo.h"
 
 #include "RESharedHelpers.h"
+#include "RecordBuilders.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -28,10 +29,7 @@ JOBDETAIL Job(const char* name) {
 
 class EstProjectInfoTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_EQ(project.CreateNewFile(path.c_str()), 1);
-        ASSERT_EQ(project.Initialize(path.c_str()), 1);
-    }
+    void SetUp() override { testsupport::CreateAndOpen(project, path); }
 
     long AddJob(const char* name) {
         long id = 0;
@@ -194,23 +192,17 @@ TEST_F(EstProjectInfoTest, ImageCopiesEveryRecordAndEmptyClearsTheFile) {
     EXPECT_EQ(project.Empty(), 1);
 }
 
-}  // namespace
-
 // Opening and resetting through the record-file base does what the project does on its own:
 // the user is logged in and out of the lock file.
-TEST(EstProjectInfoThroughBase, InitializeAndResetLogTheUserInAndOut) {
-    testsupport::TempDir dir;
-    const std::string path = dir.file("BASE.RDB");
-    REEstProjectInfo project("estimator");
-    ASSERT_EQ(1, project.CreateNewFile(path));
+TEST_F(EstProjectInfoTest, InitializeAndResetThroughTheBaseLogTheUserInAndOut) {
     RERecordFileEngine& base = project;
-    ASSERT_EQ(1, base.Initialize(path.c_str()));
-    REProjectLock* lock = project.GetProjectLockFilePtr();
-    ASSERT_EQ(1, lock->FindUser(project.m_strCurUser.c_str(), nullptr));
-
     ASSERT_EQ(1, base.Reset());
     EXPECT_EQ(0, project.IsOpen());
-    REProjectLock lockFile;
-    ASSERT_EQ(1, lockFile.Initialize(dir.file("BASE.RDK")));
-    EXPECT_EQ(0, lockFile.FindUser(project.m_strCurUser.c_str(), nullptr));
+    REProjectLock lock;
+    ASSERT_EQ(1, lock.Initialize(dir.file("BRIDGE.RDK")));
+    EXPECT_EQ(0, lock.FindUser(project.m_strCurUser.c_str(), nullptr));
+    ASSERT_EQ(1, base.Initialize(path.c_str()));
+    EXPECT_EQ(1, lock.FindUser(project.m_strCurUser.c_str(), nullptr));
 }
+
+}  // namespace
