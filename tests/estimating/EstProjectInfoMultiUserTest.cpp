@@ -1,96 +1,39 @@
-// Several users on one estimating project: refused logins, lock probes that name the holder,
-// change notices, and a user whose process dies. Users run as two objects in one process and
-// as two processes.
+// The estimating project in the shared project-directory suite, and what only it does with
+// several users: lock probes of the project record, notices of an in-process save, and a user
+// whose process dies.
 #include "REEstProjectInfo.h"
-#include "REMessageHandler.h"
 
-#include "ChildProcess.h"
-#include "RESharedHelpers.h"
-#include "TestSupport.h"
+#include "ProjectDirectorySuite.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
 
-const char kAlreadyLoggedIn[] =
-    "Can't open the specfied project using current user name\nOne user already logged in with the same name.";
-
-std::string Identity(const REEstProjectInfo& project) {
-    std::string user;
-    int super = 0;
-    const_cast<REEstProjectInfo&>(project).GetCurUserDetail(user, super);
-    return user;
-}
-
-JOBDETAIL Job(const char* name) {
-    JOBDETAIL job{};
-    std::strncpy(job.szJobName, name, sizeof job.szJobName - 1);
-    return job;
-}
-
-std::string& ChildLastMessage() {
-    static std::string text;
-    return text;
-}
-
-void RememberMessage(const char*, const char* text, unsigned int) {
-    std::string& last = ChildLastMessage();
-    last.clear();
-    for (const char* c = text; *c != '\0'; ++c)
-        last += *c == '\n' ? std::string("\\n") : std::string(1, *c);
-}
-
-// A second user in its own process. Commands, one a line:
-//   open <path> <user>   -> "<result> <message shown, '\n' written as \\n>"
-//   lock <id>            -> "<result> <holder named on refusal>"
-//   save <id>            -> "<result>"
-//   notice               -> "<nUpdatePending> <nUpdatedJobId> <szUpdatedBy>"
-//   jobs                 -> "<result> <number of jobs>"
-//   close                -> "<result>"
-TARSEL_CHILD_ROUTINE(ProjectUser) {
-    RESetMessageHandler(&RememberMessage);
-    std::unique_ptr<REEstProjectInfo> project;
-    std::string line;
-    while (channel.readLine(line)) {
-        std::istringstream in(line);
-        std::string command, path, user;
-        long id = 0;
-        in >> command;
-        if (command == "open") {
-            in >> path >> user;
-            ChildLastMessage().clear();
-            project = std::make_unique<REEstProjectInfo>(user);
-            const int result = project->Initialize(path.c_str());
-            channel.writeLine(std::to_string(result) + " " + ChildLastMessage());
-        } else if (command == "lock") {
-            in >> id;
-            std::string holder;
-            const int result = project->LockJob(id, &holder);
-            channel.writeLine(std::to_string(result) + " " + holder);
-        } else if (command == "save") {
-            in >> id;
-            channel.writeLine(std::to_string(project->UpdJobDetail(id, Job("saved by child"))));
-        } else if (command == "notice") {
-            PROJECTLOCKINFO rec{};
-            project->GetProjectLockFilePtr()->FindUser(Identity(*project).c_str(), &rec);
-            channel.writeLine(std::to_string(rec.nUpdatePending) + " " + std::to_string(rec.nUpdatedJobId) + " " +
-                              rec.szUpdatedBy);
-        } else if (command == "jobs") {
-            std::vector<TSLESTIMATEDATA*> jobs;
-            const int result = project->GetAllJobRecs(jobs);
-            channel.writeLine(std::to_string(result) + " " + std::to_string(jobs.size()));
-            DeallocatePtrArray(jobs);
-        } else if (command == "close") {
-            channel.writeLine(std::to_string(project->Close(1)));
-        }
+struct EstProjectTraits {
+    using Project = REEstProjectInfo;
+    using Info = PROJINFORMATION;
+    using Job = JOBDETAIL;
+    using Data = TSLESTIMATEDATA;
+    static constexpr const char* kProjectFile = "BRIDGE.RDB";
+    static constexpr const char* kLockFile = "BRIDGE.RDK";
+    static constexpr const char* kChildRoutine = "EstProjectUser";
+    static Info MakeInfo(const char* name) {
+        Info info{};
+        std::strncpy(info.szProjName, name, sizeof info.szProjName - 1);
+        return info;
     }
-}
+    static int AddInfo(Project& project, Info info) { return project.AddProjectDetail(&info); }
+    static long IdOf(const Data& data) { return data.nId; }
+};
+
+TARSEL_PROJECT_USER_ROUTINE(EstProjectTraits);
+
+std::string Identity(const REEstProjectInfo& project) { return ProjectIdentity<EstProjectTraits>(project); }
+JOBDETAIL Job(const char* name) { return ProjectJob<EstProjectTraits>(name); }
 
 class ProjectUsersTest : public ::testing::Test {
 protected:
@@ -118,20 +61,6 @@ protected:
     std::string path = dir.file("BRIDGE.RDB");
     REEstProjectInfo alice{"alice"};
 };
-
-TEST_F(ProjectUsersTest, SameIdentityIsRefusedAndTheFirstUserStaysLoggedIn) {
-    testsupport::MessageCapture messages;
-    REEstProjectInfo again{"ALICE"};
-    EXPECT_EQ(again.Initialize(path.c_str()), 0);
-    ASSERT_EQ(messages.count(), 1u);
-    EXPECT_EQ(messages.messages()[0].caption, "Error");
-    EXPECT_EQ(messages.lastText(), kAlreadyLoggedIn);
-    EXPECT_EQ(again.IsOpen(), 0);
-    LockRecordOf(Identity(alice));
-
-    ASSERT_EQ(alice.Close(1), 1);
-    EXPECT_EQ(again.Initialize(path.c_str()), 1);
-}
 
 TEST_F(ProjectUsersTest, LockProbeNamesTheHolder) {
     REEstProjectInfo bob{"bob"};
@@ -190,36 +119,9 @@ TEST_F(ProjectUsersTest, SavingPostsANoticeThatTheJobListAcknowledges) {
     EXPECT_EQ(notice.nUpdatedJobId, 1);
 }
 
-TEST_F(ProjectUsersTest, SecondProcessIsRefusedLockedOutAndNotified) {
-    testsupport::ChildProcess other("ProjectUser");
-    const std::string refused = other.request("open " + path + " alice");
-    EXPECT_EQ(refused.substr(0, 2), "0 ");
-    EXPECT_NE(refused.find("One user already logged in with the same name."), std::string::npos) << refused;
-
-    ASSERT_EQ(other.request("open " + path + " bob"), "1 ");
-    const std::string bob = Identity(REEstProjectInfo{"bob"});
-    ASSERT_EQ(alice.LockJob(2, nullptr), 1);
-    EXPECT_EQ(other.request("lock 2"), "0 " + Identity(alice));
-    EXPECT_EQ(other.request("lock 3"), "1 ");
-    std::string holder;
-    EXPECT_EQ(alice.LockJob(3, &holder), 0);
-    EXPECT_EQ(holder, bob);
-
-    ASSERT_EQ(alice.UpdJobDetail(2, Job("girders rev C")), 1);
-    EXPECT_EQ(other.request("notice"), "1 2 " + Identity(alice));
-    EXPECT_EQ(other.request("jobs"), "1 2");
-    EXPECT_EQ(other.request("notice"), "0 2 ");
-
-    EXPECT_EQ(other.request("save 3"), "1");
-    EXPECT_EQ(LockRecordOf(Identity(alice)).nUpdatedJobId, 3);
-    EXPECT_EQ(other.request("close"), "1");
-    EXPECT_EQ(alice.GetProjectLockFilePtr()->FindUser(bob.c_str(), nullptr), 0);
-    EXPECT_EQ(other.finish(), 0);
-}
-
 TEST_F(ProjectUsersTest, CrashedUserLosesItsRecordLockButStaysLoggedIn) {
-    testsupport::ChildProcess other("ProjectUser");
-    ASSERT_EQ(other.request("open " + path + " bob"), "1 ");
+    testsupport::ChildProcess other(EstProjectTraits::kChildRoutine);
+    ASSERT_EQ(other.request("open " + path + " bob"), "1 0");
     ASSERT_EQ(other.request("lock 2"), "1 ");
     EXPECT_EQ(alice.GetJobDetail(2, nullptr, 1), 0);
     other.kill();
@@ -232,7 +134,9 @@ TEST_F(ProjectUsersTest, CrashedUserLosesItsRecordLockButStaysLoggedIn) {
     testsupport::MessageCapture messages;
     REEstProjectInfo bobAgain{"bob"};
     EXPECT_EQ(bobAgain.Initialize(path.c_str()), 0);
-    EXPECT_EQ(messages.lastText(), kAlreadyLoggedIn);
+    EXPECT_EQ(messages.lastText(), kProjectAlreadyLoggedIn);
 }
 
 }  // namespace
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Estimating, ProjectDirectoryPattern, EstProjectTraits);
