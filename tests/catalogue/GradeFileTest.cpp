@@ -120,15 +120,6 @@ protected:
     testsupport::TempDir dir;
 };
 
-TEST(GradeRecord, OldLayoutRoundTripsThroughItsFieldTable) {
-    const OLD_GRADEDATRECORD old = OldGrade("PL", "A", "A36", "X");
-    GRADEDATRECORD rec;
-    std::memset(&rec, 0x55, sizeof rec);
-    ASSERT_EQ(1, REGradeFile::_ConvertToNewRecordFormat(&old, &rec));
-    const GRADEDATRECORD expected = Grade("PL", "A", "A36", "X");
-    EXPECT_EQ(0, std::memcmp(&expected, &rec, sizeof rec));
-}
-
 TEST_F(GradeFileTest, OldLayoutSearchesReadInKeyOneOrderAndPositionalReadsInStoredOrder) {
     REGradeFile file;
     ASSERT_EQ(1, file.Initialize(oldFile().c_str()));
