@@ -119,6 +119,7 @@ TEST_F(ReportFileTest, CustomGroupsTakeTheFirstFreeCode) {
 TEST_F(ReportFileTest, CreatedKeysAndFailuresPartwayThroughAList) {
     STAT_BUFFER stat{};
     ASSERT_EQ(1, file.GetStatus(&stat));
+    EXPECT_EQ(408, stat.recordLength);  // the file opens any length: only this pins it
     EXPECT_EQ(2, stat.numberOfKeys);
     EXPECT_EQ(kFileFlagVariableLength, stat.fileFlags);
 

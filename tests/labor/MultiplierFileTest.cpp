@@ -151,6 +151,7 @@ TEST(MultiplierFile, CreatesTheCodeKeyWithABlankNullValue) {
     CreateAndOpen(file, dir.file("mult.dat"));
     STAT_BUFFER stat{};
     ASSERT_EQ(1, file.GetStatus(&stat));
+    EXPECT_EQ(11, stat.recordLength);  // not the old layout's 10, which opens as well
     EXPECT_EQ(1, stat.numberOfKeys);
     EXPECT_EQ(0x40, stat.fileFlags);
     EXPECT_EQ(7, stat.keySpecs[2]);

@@ -139,6 +139,7 @@ TEST(PdcLinkFile, KeylessFileIsReadInRecordOrder) {
     STAT_BUFFER stat{};
     ASSERT_EQ(1, file.GetStatus(&stat));
     EXPECT_EQ(0, +stat.numberOfKeys);
+    EXPECT_EQ(105, +stat.recordLength);  // not the old layout's, which opens as well
 
     for (int value : {3, 1, 2}) {
         PDCLINKFILETYPE rec = Link("Z", value);
