@@ -9,7 +9,7 @@ FUZZ_SECONDS ?= 180
 PACKAGES   = cmake g++ make pkg-config libsqlite3-dev libgtest-dev libgmock-dev libbenchmark-dev \
              clang libclang-rt-14-dev libpq-dev postgresql
 
-.PHONY: all deps build demo test test-normal test-install test-sanitize windows windows-deps bench fuzz soak clean
+.PHONY: all deps build demo demo-server test test-normal test-install test-sanitize windows windows-deps bench fuzz soak clean
 
 all: build
 
@@ -36,6 +36,12 @@ build: deps $(BUILD)/CMakeCache.txt
 demo: deps $(BUILD)/CMakeCache.txt
 	cmake --build $(BUILD) -j $(JOBS) --target tarsel_demo
 	./$(BUILD)/examples/tarsel_demo
+
+# The walk-through on the server store: a PostgreSQL server of its own for the run, and two
+# workstations that reach the shop's files through different paths.
+demo-server: deps $(BUILD)/CMakeCache.txt
+	cmake --build $(BUILD) -j $(JOBS) --target tarsel_demo
+	tools/with-server.sh ./$(BUILD)/examples/tarsel_demo
 
 test-normal: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
@@ -118,7 +124,8 @@ $(BENCH_BUILD)/CMakeCache.txt: | deps
 
 bench: deps $(BENCH_BUILD)/CMakeCache.txt
 	cmake --build $(BENCH_BUILD) -j $(JOBS)
-	@for b in $(BENCH_BUILD)/bench/bench_*; do echo "== $$b"; $$b || exit 1; done
+	@for b in $(BENCH_BUILD)/bench/bench_*; do echo "== $$b"; \
+	  case $$b in *_server) tools/with-server.sh $$b ;; *) $$b ;; esac || exit 1; done
 
 fuzz: deps $(ASAN_BUILD)/CMakeCache.txt
 	cmake --build $(ASAN_BUILD) -j $(JOBS)

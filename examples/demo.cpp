@@ -3,6 +3,10 @@
 // then a production job on the shop floor: pieces and marks, a route through two stations,
 // tracking with a labor line, a batch, and the job read back.
 // Everything happens in a temporary directory that is removed at the end.
+//
+// With TARSEL_SERVER naming a PostgreSQL server (make demo-server), the files live on the server
+// and the two users of the project are two workstations that mount the shop's folder under
+// different paths: each strips its own prefix (TARSEL_SERVER_ROOT), so both reach the same files.
 #include "BTRCALL.h"
 #include "REBtrieveBase.h"
 #include "REEstProjectInfo.h"
@@ -152,7 +156,8 @@ void RecordManagerWalk(const fs::path& dir) {
 // The second user's process: reads one command a line, prints what happens, answers "done".
 class SecondUser {
 public:
-    bool Start(const std::string& projectPath) {
+    // `root`, when not empty, is the second workstation's own server root.
+    bool Start(const std::string& projectPath, const std::string& root) {
         int toChild[2], fromChild[2];
         if (::pipe(toChild) != 0 || ::pipe(fromChild) != 0)
             return false;
@@ -161,6 +166,8 @@ public:
         if (m_pid < 0)
             return false;
         if (m_pid == 0) {
+            if (!root.empty())
+                ::setenv("TARSEL_SERVER_ROOT", root.c_str(), 1);
             ::close(toChild[1]);
             ::close(fromChild[0]);
             const int failed = Run(projectPath, toChild[0], fromChild[1]);
@@ -302,7 +309,14 @@ void WriteAndReadItems(const std::string& itemPath) {
             rec.sCode1, rec.sCode2, rec.sizeKey.szShape, rec.sizeKey.szDimText, rec.nValue39, rec.sizeKey.fDim1);
 }
 
-void ProjectWalk(const fs::path& dir) {
+// The folder the second user reaches the project through, and that workstation's server root:
+// on a server, another mount of the same shop folder; on one machine, the same folder.
+struct SecondDesk {
+    fs::path folder;
+    std::string root;
+};
+
+void ProjectWalk(const fs::path& dir, const SecondDesk& desk) {
     Say("\n2. An estimating project shared by two users\n");
     const std::string projectPath = (dir / "BRIDGE.RDB").string();
     REEstProjectInfo alice("alice");
@@ -337,7 +351,10 @@ void ProjectWalk(const fs::path& dir) {
     }
 
     SecondUser bob;
-    if (!Check(bob.Start(projectPath), "start the second user's process"))
+    const std::string bobPath = (desk.folder / "BRIDGE.RDB").string();
+    if (!desk.root.empty())
+        Say("   bob works on another workstation, which reaches the project as %s\n", bobPath.c_str());
+    if (!Check(bob.Start(bobPath, desk.root), "start the second user's process"))
         return;
     Check(bob.Ask("open"), "bob opens the project");
 
@@ -518,11 +535,26 @@ int main() {
         std::printf("cannot make a temporary directory\n");
         return 1;
     }
-    Say("tarsel demo: working in %s\n", dir.string().c_str());
+    // On a server, two workstations: one mounts the shop folder at <dir>/deskA/shop, the other
+    // at <dir>/deskB/shop, and each names its own mount point as its server root.
+    const char* server = std::getenv("TARSEL_SERVER");
+    fs::path shop = dir;
+    SecondDesk desk{dir, ""};
+    if (server != nullptr && *server != '\0') {
+        shop = dir / "deskA" / "shop";
+        desk = {dir / "deskB" / "shop", (dir / "deskB").string()};
+        ::setenv("TARSEL_SERVER_ROOT", (dir / "deskA").string().c_str(), 1);
+        fs::create_directories(shop, error);
+        fs::create_directories(desk.folder, error);
+        Say("tarsel demo on the server store: this workstation reaches the shop's files as %s\n",
+            shop.string().c_str());
+    } else {
+        Say("tarsel demo: working in %s\n", dir.string().c_str());
+    }
 
-    RecordManagerWalk(dir);
-    ProjectWalk(dir);
-    ProductionWalk(dir);
+    RecordManagerWalk(shop);
+    ProjectWalk(shop, desk);
+    ProductionWalk(shop);
 
     fs::remove_all(dir, error);
     Say("\n%s; temporary directory removed\n", g_failed ? "Something did not work" : "All done");

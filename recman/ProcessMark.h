@@ -21,7 +21,7 @@
 
 namespace recman {
 
-// One entry per file a process uses; marks of the same file share it (ProcessMarkPosix.cpp).
+// One entry per file a process uses; marks of the same file share it (ProcessMark.cpp).
 struct MarkEntry;
 
 class ProcessMark {
