@@ -79,6 +79,10 @@ std::string FieldAt(const std::vector<Column>& columns, uint16_t position) {
 
 // --- opening and identifying a file ---------------------------------------------------------
 
+// Whether a record-manager file is at `path`, asked of the record manager: on the server store
+// the files are on the server.
+bool IsThere(const std::string& path) { return RELookUpRecordFile(path) == REPathState::Exists; }
+
 struct OpenedFile {
     RawFile file;
     RawFile::Stat stat;
@@ -91,7 +95,7 @@ struct OpenedFile {
 // one its record length and keys tell. False after a complaint.
 bool OpenAndIdentify(const char* command, const std::string& path, int8_t mode, const std::string& layoutName,
                      OpenedFile& opened) {
-    if (!std::filesystem::is_regular_file(path)) {
+    if (!IsThere(path)) {
         Complain(std::string(command) + ": " + path + ": no such file");
         return false;
     }
@@ -273,7 +277,7 @@ int Load(const Args& args) {
     }
     const std::string& path = p.positional[0];
     const std::string layoutName = p.options["--layout"];
-    if (!std::filesystem::exists(path)) {
+    if (!IsThere(path)) {
         const Layout* layout = layoutName.empty() ? nullptr : FindLayout(layoutName);
         if (layout == nullptr) {
             Complain("load: " + path + " does not exist; --layout NAME creates it with that layout");
@@ -411,7 +415,7 @@ int Users(const Args& args) {
         Complain("users: PROJECT is a .RDB, .RDK, .RDP or .RPK file");
         return kExitUsage;
     }
-    if (!std::filesystem::is_regular_file(paths.lock)) {
+    if (!IsThere(paths.lock)) {
         Complain("users: " + paths.lock + ": no lock file (nobody has opened the project)");
         return kExitFinding;
     }
@@ -447,7 +451,7 @@ int Logout(const Args& args) {
         return kExitUsage;
     }
     const std::string& user = p.positional[1];
-    if (!std::filesystem::is_regular_file(paths.lock)) {
+    if (!IsThere(paths.lock)) {
         Complain("logout: " + paths.lock + ": no lock file");
         return kExitFinding;
     }
@@ -460,7 +464,7 @@ int Logout(const Args& args) {
         return status == 85 || status == 88;
     };
     RawFile project;  // held exclusively while the login is removed: nobody opens the project meanwhile
-    const bool hasProject = std::filesystem::is_regular_file(paths.project);
+    const bool hasProject = IsThere(paths.project);
     const bool busy = hasProject ? project.Open(paths.project, REBtrieveBase::kOpenExclusive) != 0 ||
                                        inUse(paths.lock)
                                  : inUse(paths.lock);

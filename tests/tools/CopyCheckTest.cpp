@@ -1,6 +1,7 @@
 // copy and check through the built utility: a copy taken while another process writes the file,
 // and a record count made stale from outside, found and repaired.
 #include "ChildProcess.h"
+#include "ServerStore.h"
 #include "REPdcPayCategoryDataFile.h"
 #include "TestSupport.h"
 #include "ToolRunner.h"
@@ -107,10 +108,15 @@ TEST_F(CopyCheck, CheckFindsAStaleCountAndRepairMendsIt) {
             ASSERT_EQ(1, file.AddRecord(rec));
         }
     }
-    sqlite3* db = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open(path.c_str(), &db));
-    ASSERT_EQ(SQLITE_OK, sqlite3_exec(db, "UPDATE state SET count=7", nullptr, nullptr, nullptr));
-    sqlite3_close(db);
+    // The kept count made stale from outside the record manager.
+    if (testsupport::PostgresServer* server = testsupport::ActiveServer()) {
+        server->sql("UPDATE tarsel_files SET count=7 WHERE name='" + path + "'");
+    } else {
+        sqlite3* db = nullptr;
+        ASSERT_EQ(SQLITE_OK, sqlite3_open(path.c_str(), &db));
+        ASSERT_EQ(SQLITE_OK, sqlite3_exec(db, "UPDATE state SET count=7", nullptr, nullptr, nullptr));
+        sqlite3_close(db);
+    }
 
     const auto found = RunTool({"check", path});
     EXPECT_EQ(1, found.exitStatus);
