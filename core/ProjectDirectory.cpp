@@ -2,6 +2,7 @@
 // the estimating and the production project.
 #include "core/ProjectDirectory.h"
 
+#include "RERecordFileOps.h"
 #include "core/Platform.h"
 
 #include <algorithm>
@@ -31,7 +32,7 @@ int LogInBeside(REProjectLock& lock, const char* projectPath, const char* extens
                 int loginMode) {
     const platform::PathParts parts = platform::SplitPath(projectPath);
     const std::string lockPath = platform::MakePath(parts.directory, parts.name, extension);
-    if (!platform::FileExists(lockPath))
+    if (RELookUpRecordFile(lockPath) != REPathState::Exists)
         lock.CreateNewFile(lockPath.c_str());
     lock.Initialize(lockPath.c_str());
     return lock.LogIn(user.c_str(), loginMode);

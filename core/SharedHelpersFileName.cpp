@@ -1,6 +1,7 @@
 // Unique file names for temporary and backup files.
 #include "RESharedHelpers.h"
 
+#include "RERecordFileOps.h"
 #include "core/Platform.h"
 
 #include <chrono>
@@ -32,13 +33,14 @@ int Gfn_GetUniqueFileName(const std::string& directory, const std::string& exten
     std::uniform_int_distribution<int> number(0, kLargestNumber);
     for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
         const std::string candidate = namePrefix + std::to_string(number(random)) + "." + extension;
-        switch (platform::LookUpPath(base + candidate)) {
-        case platform::PathState::Missing:
+        // The record manager looks the name up where its files are kept (on the server, too).
+        switch (RELookUpRecordFile(base + candidate)) {
+        case REPathState::Missing:
             fileName = candidate;
             return 1;
-        case platform::PathState::Invalid:
+        case REPathState::Invalid:
             return 0;
-        case platform::PathState::Exists:
+        case REPathState::Exists:
             break;
         }
     }

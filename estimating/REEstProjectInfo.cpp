@@ -1,6 +1,7 @@
 #include "REEstProjectInfo.h"
 
 #include "REErrorMessages.h"
+#include "RERecordFileOps.h"
 #include "core/Platform.h"
 #include "core/ProjectDirectory.h"
 #include "core/RecordFileSpec.h"
@@ -67,7 +68,7 @@ int REEstProjectInfo::Initialize(const char* path) {
 }
 
 int REEstProjectInfo::_InitializeLockFile(const char* lockPath) {
-    if (!platform::FileExists(lockPath))
+    if (RELookUpRecordFile(lockPath) != REPathState::Exists)
         m_projectLock.CreateNewFile(lockPath);
     if (!m_projectLock.Initialize(lockPath))
         return 0;

@@ -1,6 +1,7 @@
 #include "tools/Commands.h"
 
 #include "REProjectLock.h"
+#include "RERecordFileOps.h"
 #include "RESharedHelpers.h"
 #include "tools/Formats.h"
 #include "tools/LayoutRegistry.h"
@@ -78,6 +79,10 @@ std::string FieldAt(const std::vector<Column>& columns, uint16_t position) {
 
 // --- opening and identifying a file ---------------------------------------------------------
 
+// Whether a record-manager file is at `path`, asked of the record manager: on the server store
+// the files are on the server.
+bool IsThere(const std::string& path) { return RELookUpRecordFile(path) == REPathState::Exists; }
+
 struct OpenedFile {
     RawFile file;
     RawFile::Stat stat;
@@ -90,7 +95,7 @@ struct OpenedFile {
 // one its record length and keys tell. False after a complaint.
 bool OpenAndIdentify(const char* command, const std::string& path, int8_t mode, const std::string& layoutName,
                      OpenedFile& opened) {
-    if (!std::filesystem::is_regular_file(path)) {
+    if (!IsThere(path)) {
         Complain(std::string(command) + ": " + path + ": no such file");
         return false;
     }
@@ -272,7 +277,7 @@ int Load(const Args& args) {
     }
     const std::string& path = p.positional[0];
     const std::string layoutName = p.options["--layout"];
-    if (!std::filesystem::exists(path)) {
+    if (!IsThere(path)) {
         const Layout* layout = layoutName.empty() ? nullptr : FindLayout(layoutName);
         if (layout == nullptr) {
             Complain("load: " + path + " does not exist; --layout NAME creates it with that layout");
@@ -410,7 +415,7 @@ int Users(const Args& args) {
         Complain("users: PROJECT is a .RDB, .RDK, .RDP or .RPK file");
         return kExitUsage;
     }
-    if (!std::filesystem::is_regular_file(paths.lock)) {
+    if (!IsThere(paths.lock)) {
         Complain("users: " + paths.lock + ": no lock file (nobody has opened the project)");
         return kExitFinding;
     }
@@ -446,7 +451,7 @@ int Logout(const Args& args) {
         return kExitUsage;
     }
     const std::string& user = p.positional[1];
-    if (!std::filesystem::is_regular_file(paths.lock)) {
+    if (!IsThere(paths.lock)) {
         Complain("logout: " + paths.lock + ": no lock file");
         return kExitFinding;
     }
@@ -459,7 +464,7 @@ int Logout(const Args& args) {
         return status == 85 || status == 88;
     };
     RawFile project;  // held exclusively while the login is removed: nobody opens the project meanwhile
-    const bool hasProject = std::filesystem::is_regular_file(paths.project);
+    const bool hasProject = IsThere(paths.project);
     const bool busy = hasProject ? project.Open(paths.project, REBtrieveBase::kOpenExclusive) != 0 ||
                                        inUse(paths.lock)
                                  : inUse(paths.lock);
@@ -483,6 +488,76 @@ int Logout(const Args& args) {
     return kExitOk;
 }
 
+// --- copy and check ------------------------------------------------------------------------
+
+// Takes the flag `flag` out of `args`; true when it was there.
+bool TakeFlag(Args& args, const char* flag) {
+    const auto it = std::find(args.begin(), args.end(), flag);
+    if (it == args.end())
+        return false;
+    args.erase(it);
+    return true;
+}
+
+int Copy(const Args& given) {
+    Args args = given;
+    const bool replace = TakeFlag(args, "--replace");
+    Parsed p;
+    if (!ParseArgs("copy", args, {}, 2, p))
+        return kExitUsage;
+    const std::string& from = p.positional[0];
+    const std::string& to = p.positional[1];
+    const int16_t status = RECopyRecordFile(from, to, replace);
+    if (status != kREFileOpOk) {
+        Complain("copy: " + from + " to " + to + ": " + StatusText(status));
+        return kExitFinding;
+    }
+    std::printf("copied %s to %s\n", from.c_str(), to.c_str());
+    return kExitOk;
+}
+
+// The check's walk shows a progress line (on a terminal, for a long walk), made once the total is known.
+struct CheckProgressLine {
+    std::optional<Progress> line;
+    static void Report(uint64_t done, uint64_t total, void* context) {
+        auto& self = *static_cast<CheckProgressLine*>(context);
+        if (!self.line)
+            self.line.emplace("check", static_cast<uint32_t>(total));
+        self.line->Step(static_cast<uint32_t>(done));
+    }
+};
+
+int Check(const Args& given) {
+    Args args = given;
+    const bool repair = TakeFlag(args, "--repair");
+    Parsed p;
+    if (!ParseArgs("check", args, {}, 1, p))
+        return kExitUsage;
+    const std::string& path = p.positional[0];
+    RERecordFileCheck result;
+    int16_t status;
+    {
+        CheckProgressLine progress;
+        status = RECheckRecordFile(path, repair, result, &CheckProgressLine::Report, &progress);
+    }
+    if (status != kREFileOpOk) {
+        Complain("check: " + path + ": " + StatusText(status));
+        return kExitFinding;
+    }
+    std::printf("%s: %llu records, kept count %lld\n", path.c_str(), static_cast<unsigned long long>(result.records),
+                static_cast<long long>(result.keptCount));
+    for (const std::string& r : result.repairs)
+        std::printf("repaired: %s\n", r.c_str());
+    for (const std::string& f : result.findings)
+        std::printf("fault: %s\n", f.c_str());
+    if (result.findings.empty())
+        std::printf(result.repairs.empty() ? "no faults\n" : "every fault repaired\n");
+    else
+        std::printf("%zu fault%s%s\n", result.findings.size(), result.findings.size() == 1 ? "" : "s",
+                    repair ? " left that cannot be repaired" : " (tarsel check --repair mends what can be mended)");
+    return result.findings.empty() ? kExitOk : kExitFinding;
+}
+
 }  // namespace
 
 int StatCommand(const Args& args) { return Stat(args); }
@@ -491,6 +566,8 @@ int LoadCommand(const Args& args) { return Load(args); }
 int LayoutsCommand(const Args& args) { return ListLayouts(args); }
 int UsersCommand(const Args& args) { return Users(args); }
 int LogoutCommand(const Args& args) { return Logout(args); }
+int CopyCommand(const Args& args) { return Copy(args); }
+int CheckCommand(const Args& args) { return Check(args); }
 
 void Complain(const std::string& text) { std::fprintf(stderr, "tarsel: %s\n", text.c_str()); }
 
@@ -530,6 +607,20 @@ const std::vector<Command>& Commands() {
          "manager cannot tell whose handle it is, so close the project on every workstation first.\n"
          "The project file stays open exclusively until the login is removed.\n",
          &LogoutCommand},
+        {"copy", "copy SRC DST [--replace]",
+         "Copies the record-manager file SRC to DST as it stands at one moment, also while other\n"
+         "programs have SRC open and write it (on the server store: on the server). The copy has no\n"
+         "open handles or locks. An existing DST is refused (exit 1) unless --replace is given, and\n"
+         "is never replaced while a program has it open.\n",
+         &CopyCommand},
+        {"check", "check FILE [--repair]",
+         "Checks FILE: the store's own integrity test, the record count the file keeps against the\n"
+         "records it holds, and every key's entry (and autoincrement value) of each record against\n"
+         "the record's data. Exit 1 when a fault is found. With --repair, writers wait while the\n"
+         "indexes, the kept count and the key entries are rebuilt from the records; each repair is\n"
+         "listed, and exit 1 only for a fault that cannot be repaired (such as two records holding\n"
+         "one value of a unique key).\n",
+         &CheckCommand},
     };
     return commands;
 }

@@ -18,6 +18,8 @@ int LoadCommand(const Args& args);
 int LayoutsCommand(const Args& args);
 int UsersCommand(const Args& args);
 int LogoutCommand(const Args& args);
+int CopyCommand(const Args& args);
+int CheckCommand(const Args& args);
 
 struct Command {
     const char* name;

@@ -89,9 +89,14 @@ std::string StatusText(int16_t status) {
     case REBtrieveBase::kStatusDuplicateKey: return "status 5, duplicate key";
     case REBtrieveBase::kStatusFileNotFound: return "status 12, no such file";
     case REBtrieveBase::kStatusInvalidFileName: return "status 11, invalid file name";
+    case 2: return "status 2, the store failed";
+    case 18: return "status 18, the disk is full";
+    case 20: return "status 20, the record manager's store is not available";
+    case 25: return "status 25, the file cannot be made";
     case 30: return "status 30, not a record-manager file";
     case 46: return "status 46, access denied";
     case 85: return "status 85, the file is open exclusively elsewhere";
+    case 59: return "status 59, the file already exists";
     case 88: return "status 88, the file is open elsewhere";
     default: return "status " + std::to_string(status);
     }

@@ -4,11 +4,10 @@
 #pragma once
 
 #include "RERecordFile.h"
+#include "RERecordFileOps.h"
 
 #include <cstring>
-#include <filesystem>
 #include <list>
-#include <system_error>
 #include <vector>
 
 template <class Derived, class REC>
@@ -52,8 +51,7 @@ protected:
     // Initialize of the classes that keep their own path: a path with no file behind it closes
     // the object and gives 0 without a message; otherwise the usual open.
     int _InitializeExisting(const char* path) {
-        std::error_code error;
-        if (path != nullptr && !std::filesystem::exists(path, error)) {
+        if (path != nullptr && RELookUpRecordFile(path) != REPathState::Exists) {
             std::memset(this->m_filePath, 0, sizeof this->m_filePath);
             std::strncpy(this->m_filePath, path, sizeof this->m_filePath - 1);
             if (this->IsOpen())

@@ -2,6 +2,7 @@
 
 #include "recman/postgres/PgConnection.h"
 #include "recman/postgres/PgFile.h"
+#include "recman/postgres/PgTables.h"
 #include "recman/postgres/ServerName.h"
 
 #include <cstdlib>
@@ -18,29 +19,6 @@ constexpr const char* Schema =
     "CREATE TABLE IF NOT EXISTS tarsel_files(id serial PRIMARY KEY, name text UNIQUE NOT NULL, "
     "spec bytea NOT NULL, count bigint NOT NULL DEFAULT 0, nextrec bigint NOT NULL DEFAULT 0, "
     "seq bigint NOT NULL DEFAULT 0)";
-
-std::string table(int64_t id) { return "r" + std::to_string(id); }
-
-std::string createTable(int64_t id, const FileSpec& spec)
-{
-    const std::string t = table(id);
-    const size_t autos = sqlite::autoIncrementFields(spec).size();
-    std::string s = "CREATE TABLE " + t + "(n bigint PRIMARY KEY, v bigint NOT NULL, d bytea NOT NULL";
-    for (size_t i = 0; i < spec.keys.size(); ++i)
-        s += ", k" + std::to_string(i) + " bytea, s" + std::to_string(i) + " bigint";
-    for (size_t j = 0; j < autos; ++j)
-        s += ", a" + std::to_string(j) + " bigint";
-    s += ");";
-    for (size_t i = 0; i < spec.keys.size(); ++i) {
-        const std::string k = "k" + std::to_string(i), si = "s" + std::to_string(i);
-        const bool dup = spec.keys[i].duplicates;
-        s += std::string(dup ? "CREATE INDEX " : "CREATE UNIQUE INDEX ") + t + "_x" + std::to_string(i) + " ON " + t +
-             "(" + k + (dup ? ", " + si : std::string()) + ");";
-    }
-    for (size_t j = 0; j < autos; ++j)
-        s += "CREATE INDEX " + t + "_y" + std::to_string(j) + " ON " + t + "(a" + std::to_string(j) + ");";
-    return s;
-}
 
 // An Open that named a file on the server: its id and specification as read.
 class PgTicket final : public OpenTicket {
@@ -103,10 +81,9 @@ Status PgStore::resolve(const std::string& path, bool, std::unique_ptr<OpenTicke
     if (r.rows() == 0)
         return StatusFileNotFound;
     std::string block;
-    r.bytes(0, 1, block);
     FileSpec spec;
-    if (FileSpec::parse(reinterpret_cast<const uint8_t*>(block.data()), uint32_t(block.size()), spec) != StatusOk)
-        return StatusNotEngineFile;
+    if (const Status s = specOf(r, 1, block, spec); s != StatusOk)
+        return s;
     out = std::make_unique<PgTicket>(conn, std::move(name), r.integer(0, 0), std::move(spec));
     return StatusOk;
 }
@@ -129,18 +106,12 @@ Status PgStore::create(const std::string& path, const FileSpec& spec, bool repla
         const int64_t old = r.integer(0, 0);
         Params q;
         q.integer(old);
-        // Open anywhere, this process included, means someone holds the file's open lock: the
-        // transaction-scoped test conflicts with this session's own session locks too.
-        Result held;
+        bool open = false;
         if (!replace)
             s = StatusFileExists;
-        else if ((s = conn->run("SELECT 1 FROM pg_locks WHERE locktype='advisory' AND classid=$1::oid AND objid=0 "
-                                "AND objsubid=2 AND database=(SELECT oid FROM pg_database WHERE "
-                                "datname=current_database())",
-                                q, held)) == StatusOk &&
-                 held.rows() != 0)
+        else if ((s = openAnywhere(*conn, old, open)) == StatusOk && open)
             s = StatusCreateFailed;
-        else if (s == StatusOk && (s = conn->script("DROP TABLE " + table(old))) == StatusOk)
+        else if (s == StatusOk && (s = conn->script("DROP TABLE " + tableOf(old))) == StatusOk)
             s = conn->run("DELETE FROM tarsel_files WHERE id=$1", q);
     }
     if (s == StatusOk) {
@@ -155,6 +126,49 @@ Status PgStore::create(const std::string& path, const FileSpec& spec, bool repla
         return s;
     }
     return conn->commit();
+}
+
+std::string createTable(int64_t id, const FileSpec& spec)
+{
+    const std::string t = tableOf(id);
+    const size_t autos = sqlite::autoIncrementFields(spec).size();
+    std::string s = "CREATE TABLE " + t + "(n bigint PRIMARY KEY, v bigint NOT NULL, d bytea NOT NULL";
+    for (size_t i = 0; i < spec.keys.size(); ++i)
+        s += ", k" + std::to_string(i) + " bytea, s" + std::to_string(i) + " bigint";
+    for (size_t j = 0; j < autos; ++j)
+        s += ", a" + std::to_string(j) + " bigint";
+    s += ");";
+    for (size_t i = 0; i < spec.keys.size(); ++i) {
+        const std::string k = "k" + std::to_string(i), si = "s" + std::to_string(i);
+        const bool dup = spec.keys[i].duplicates;
+        s += std::string(dup ? "CREATE INDEX " : "CREATE UNIQUE INDEX ") + t + "_x" + std::to_string(i) + " ON " + t +
+             "(" + k + (dup ? ", " + si : std::string()) + ");";
+    }
+    for (size_t j = 0; j < autos; ++j)
+        s += "CREATE INDEX " + t + "_y" + std::to_string(j) + " ON " + t + "(a" + std::to_string(j) + ");";
+    return s;
+}
+
+Status specOf(const Result& r, int col, std::string& block, FileSpec& spec)
+{
+    r.bytes(0, col, block);
+    return FileSpec::parse(reinterpret_cast<const uint8_t*>(block.data()), uint32_t(block.size()), spec) == StatusOk
+               ? StatusOk
+               : StatusNotEngineFile;
+}
+
+Status openAnywhere(Connection& conn, int64_t id, bool& open)
+{
+    // The transaction-scoped test conflicts with this session's own session locks too.
+    Params p;
+    Result held;
+    p.integer(id);
+    const Status s = conn.run("SELECT 1 FROM pg_locks WHERE locktype='advisory' AND classid=$1::oid AND objid=0 "
+                              "AND objsubid=2 AND database=(SELECT oid FROM pg_database WHERE "
+                              "datname=current_database())",
+                              p, held);
+    open = s == StatusOk && held.rows() != 0;
+    return s;
 }
 
 }  // namespace recman::postgres

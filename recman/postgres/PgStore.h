@@ -5,6 +5,7 @@
 // Create when the server dropped it.
 #pragma once
 
+#include "recman/FileOperations.h"
 #include "recman/Store.h"
 
 #include <map>
@@ -15,13 +16,27 @@ namespace recman::postgres {
 
 class Connection;
 
-class PgStore final : public Store {
+class PgStore final : public Store, public FileOperations {
 public:
     explicit PgStore(std::string conninfo);
     ~PgStore() override;
 
     Status create(const std::string& path, const FileSpec& spec, bool replace) override;
     Status resolve(const std::string& path, bool readOnly, std::unique_ptr<OpenTicket>& out) override;
+
+    FileOperations* fileOperations() override { return this; }
+
+    // Whole-file operations on the server's files, by normalised name (PgFileOps.cpp): a copy is
+    // the file's table and counters copied in one snapshot; move renames, delete drops. A file
+    // open in any session is neither moved, deleted nor replaced. A path "exists" when a file of
+    // that name is on the server; a search lists the names under a folder's name.
+    REPathState lookUp(const std::string& path) override;
+    Status copy(const std::string& from, const std::string& to, bool replace) override;
+    Status move(const std::string& from, const std::string& to) override;
+    Status remove(const std::string& path) override;
+    Status search(const std::string& directory, const std::string& pattern, std::vector<std::string>& names) override;
+    Status check(const std::string& path, bool repair, const CheckProgress& progress,
+                 RERecordFileCheck& report) override;
 
 private:
     // The live connection with the schema in place, or null.

@@ -54,51 +54,6 @@ void configure(sqlite3* db)
     sqlite3_exec(db, ConnectionPragmas, nullptr, nullptr, nullptr);
 }
 
-// Opens `path` when it is a file of this engine; the status tells why not.
-Status openConnection(const std::string& path, const char* vfs, bool writable, sqlite3*& db, FileSpec& spec)
-{
-    ConnectionGuard g;
-    const int flags = (writable ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) | SQLITE_OPEN_NOMUTEX;
-    int rc = sqlite3_open_v2(path.c_str(), &g.db, flags, vfs);
-    if (rc != SQLITE_OK)
-        return (rc & 0xFF) == SQLITE_CANTOPEN ? StatusAccessDenied : StatusStoreFailure;
-    configure(g.db);
-    std::string value;
-    rc = readValue(g.db, sql::ReadSignature, value);
-    switch (rc & 0xFF) {
-    case SQLITE_OK: break;
-    case SQLITE_BUSY: case SQLITE_LOCKED: return StatusFileLocked;
-    case SQLITE_IOERR: case SQLITE_NOMEM: case SQLITE_CANTOPEN: return StatusStoreFailure;
-    default: return StatusNotEngineFile;  // not a database, or another database
-    }
-    if (value != SchemaSignature)
-        return StatusNotEngineFile;
-    rc = readValue(g.db, sql::ReadSpec, value);
-    if (rc != SQLITE_OK)
-        return (rc & 0xFF) == SQLITE_NOTFOUND ? StatusNotEngineFile : statusFor(rc);
-    if (FileSpec::parse(reinterpret_cast<const uint8_t*>(value.data()), uint32_t(value.size()), spec) != StatusOk)
-        return StatusNotEngineFile;
-    db = g.release();
-    return StatusOk;
-}
-
-// True when a live handle of any process has the file at `path` open.
-bool openSomewhere(const std::string& path, const char* vfs, const ProcessMark& mark)
-{
-    sqlite3* db = nullptr;
-    FileSpec spec;
-    if (openConnection(path, vfs, false, db, spec) != StatusOk)
-        return false;  // not ours: nobody has it open through this engine
-    SqliteFile file(db, std::move(spec));
-    std::vector<std::pair<Owner, bool>> owners;
-    if (file.openHandles(owners) != StatusOk)
-        return true;
-    for (const auto& o : owners)
-        if (ownerAlive(o.first, mark))
-            return true;
-    return false;
-}
-
 Status buildFile(const std::string& path, const char* vfs, const FileSpec& spec)
 {
     ConnectionGuard g;
@@ -122,6 +77,49 @@ Status buildFile(const std::string& path, const char* vfs, const FileSpec& spec)
 
 }  // namespace
 
+Status SqliteStore::connect(const std::string& path, bool writable, sqlite3*& db, FileSpec& spec) const
+{
+    ConnectionGuard g;
+    const int flags = (writable ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) | SQLITE_OPEN_NOMUTEX;
+    int rc = sqlite3_open_v2(path.c_str(), &g.db, flags, m_vfs);
+    if (rc != SQLITE_OK)
+        return (rc & 0xFF) == SQLITE_CANTOPEN ? StatusAccessDenied : StatusStoreFailure;
+    configure(g.db);
+    std::string value;
+    rc = readValue(g.db, sql::ReadSignature, value);
+    switch (rc & 0xFF) {
+    case SQLITE_OK: break;
+    case SQLITE_BUSY: case SQLITE_LOCKED: return StatusFileLocked;
+    case SQLITE_IOERR: case SQLITE_NOMEM: case SQLITE_CANTOPEN: return StatusStoreFailure;
+    default: return StatusNotEngineFile;  // not a database, or another database
+    }
+    if (value != SchemaSignature)
+        return StatusNotEngineFile;
+    rc = readValue(g.db, sql::ReadSpec, value);
+    if (rc != SQLITE_OK)
+        return (rc & 0xFF) == SQLITE_NOTFOUND ? StatusNotEngineFile : statusFor(rc);
+    if (FileSpec::parse(reinterpret_cast<const uint8_t*>(value.data()), uint32_t(value.size()), spec) != StatusOk)
+        return StatusNotEngineFile;
+    db = g.release();
+    return StatusOk;
+}
+
+bool SqliteStore::openSomewhere(const std::string& path, const ProcessMark& mark) const
+{
+    sqlite3* db = nullptr;
+    FileSpec spec;
+    if (connect(path, false, db, spec) != StatusOk)
+        return false;  // not ours: nobody has it open through this engine
+    SqliteFile file(db, std::move(spec));
+    std::vector<std::pair<Owner, bool>> owners;
+    if (file.openHandles(owners) != StatusOk)
+        return true;
+    for (const auto& o : owners)
+        if (ownerAlive(o.first, mark))
+            return true;
+    return false;
+}
+
 SqliteStore::SqliteStore(bool forkedChild)
 {
     // Registered in every process, so that a child forked later finds it without taking SQLite's locks.
@@ -143,32 +141,45 @@ Status SqliteStore::create(const std::string& path, const FileSpec& spec, bool r
     if (kind != platform::PathKind::Missing) {
         if (!replace)
             return StatusFileExists;
-        if (openSomewhere(path, m_vfs, gate))
+        if (openSomewhere(path, gate))
             return StatusCreateFailed;
     }
     // The new file is built beside the old one under a short name, then renamed over it.
+    const std::string temp = buildingPath(path);
+    const Status s = buildFile(temp, m_vfs, spec);
+    if (s == StatusOk && putInPlace(temp, path, gate))
+        return StatusOk;
+    removeWithCompanions(temp);
+    return s == StatusOk ? StatusCreateFailed : s;
+}
+
+std::string buildingPath(const std::string& path)
+{
     char name[64];
     std::snprintf(name, sizeof name, ".recman-%lld-%llx", static_cast<long long>(platform::currentProcessId()),
                   static_cast<unsigned long long>(platform::randomToken()));
-    const std::string temp = platform::siblingPath(path, name);
-    const Status s = buildFile(temp, m_vfs, spec);
-    if (s == StatusOk) {
-        std::remove((path + "-wal").c_str());
-        std::remove((path + "-shm").c_str());
+    return platform::siblingPath(path, name);
+}
+
+void removeWithCompanions(const std::string& path)
+{
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+        std::remove((path + suffix).c_str());
+}
+
+bool putInPlace(const std::string& temp, const std::string& path, ProcessMark& gate)
+{
+    std::remove((path + "-wal").c_str());
+    std::remove((path + "-shm").c_str());
 #if defined(_WIN32)
-        // Windows renames over a file only while no handle has it open, the gate's own included:
-        // the gate goes first. An Open that slips in meanwhile holds the old file open, and the
-        // rename is refused (25); nobody ever sees a missing or half-made file.
-        gate = ProcessMark();
+    // Windows renames over a file only while no handle has it open, the gate's own included:
+    // the gate goes first. An Open that slips in meanwhile holds the old file open, and the
+    // rename is refused (25); nobody ever sees a missing or half-made file.
+    gate = ProcessMark();
+#else
+    (void)gate;
 #endif
-        if (platform::replaceFile(temp, path))
-            return StatusOk;
-    }
-    std::remove(temp.c_str());
-    std::remove((temp + "-wal").c_str());
-    std::remove((temp + "-shm").c_str());
-    std::remove((temp + "-journal").c_str());
-    return s == StatusOk ? StatusCreateFailed : s;
+    return platform::replaceFile(temp, path);
 }
 
 namespace {
@@ -225,7 +236,7 @@ Status SqliteStore::open(const std::string& path, bool writable, std::unique_ptr
 {
     sqlite3* db = nullptr;
     FileSpec spec;
-    const Status s = openConnection(path, m_vfs, writable, db, spec);
+    const Status s = connect(path, writable, db, spec);
     if (s != StatusOk)
         return s;
     out = std::make_unique<SqliteFile>(db, std::move(spec));

@@ -126,4 +126,11 @@ bool UseServerStoreWhenAsked()
     return asked;
 }
 
+namespace {
+
+// Every test program registers the environment, whether or not its tests include the header.
+[[maybe_unused]] const bool g_registered = UseServerStoreWhenAsked();
+
+}  // namespace
+
 }  // namespace testsupport

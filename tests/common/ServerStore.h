@@ -1,6 +1,6 @@
 // A PostgreSQL server of the tests' own, for running suites on the server store.
 //
-// With TARSEL_TEST_STORE=server in the environment, a test program that includes this header
+// With TARSEL_TEST_STORE=server in the environment, every test program
 // starts a server before its first test (initdb into a temporary folder, pg_ctl on a Unix socket
 // there, as the unprivileged user `nobody` when run as root), points the record manager at it
 // through TARSEL_SERVER (so that child processes reach it too) and stops it after the last test.

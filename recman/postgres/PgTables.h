@@ -1,0 +1,25 @@
+// The server's tables of one record-manager file: r<id> for its records, and the test of whether
+// any session has the file open.
+#pragma once
+
+#include "recman/FileSpec.h"
+#include "recman/postgres/PgConnection.h"
+
+#include <string>
+
+namespace recman::postgres {
+
+inline std::string tableOf(int64_t id) { return "r" + std::to_string(id); }
+
+// The statements that make file `id`'s record table and its indexes for `spec`.
+std::string createTable(int64_t id, const FileSpec& spec);
+
+// The specification block in column `col` of a result's first row, and the spec it describes;
+// StatusNotEngineFile when it describes none.
+Status specOf(const Result& r, int col, std::string& block, FileSpec& spec);
+
+// Whether a session (this one included) holds file `id` open. Call inside a transaction: the
+// test is of the server's lock table, so it sees this session's own handles too.
+Status openAnywhere(Connection& conn, int64_t id, bool& open);
+
+}  // namespace recman::postgres
