@@ -47,6 +47,7 @@
 #include "REPlatePriceRecords.h"
 #include "REProjectLock.h"
 #include "REPurchCalcFile.h"
+#include "RERecordFileOps.h"
 #include "REReportFile.h"
 #include "REShapeFile.h"
 #include "RESharedHelpers.h"
