@@ -62,7 +62,9 @@ std::shared_ptr<Connection> PgStore::connection()
     auto conn = std::make_shared<Connection>(m_conninfo);
     if (!conn->ok())
         return nullptr;
-    if (conn->begin("BEGIN; " + std::string(Schema)) != StatusOk || conn->commit() != StatusOk)
+    // The session hears no notices: the schema's "already exists" ones would reach stderr.
+    const std::string setUp = "SET client_min_messages = warning; BEGIN; " + std::string(Schema);
+    if (conn->begin(setUp) != StatusOk || conn->commit() != StatusOk)
         return nullptr;
     m_conn = conn;
     return m_conn;
