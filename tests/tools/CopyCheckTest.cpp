@@ -20,7 +20,7 @@ using toolsupport::RunTool;
 
 PDCPAYCATDATATYPE Category(int n) {
     PDCPAYCATDATATYPE rec{};
-    std::snprintf(rec.sPayCatCode, sizeof rec.sPayCatCode, "%06d", n % 1000000);
+    std::snprintf(rec.sPayCatCode, sizeof rec.sPayCatCode, "%06u", unsigned(n) % 1000000u);
     rec.dRate1 = n;
     return rec;
 }
