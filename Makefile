@@ -84,7 +84,8 @@ SQLITE_NPM_PACKAGE = better-sqlite3
 SQLITE_NPM_VERSION = 12.9.0
 SQLITE_NPM_SHA256  = ad0e29650140c49d0335b1d356596aa8166f12b758f418a98446130e3278f250
 SQLITE_DIR = $(WIN_CACHE)/$(SQLITE_NPM_PACKAGE)-$(SQLITE_NPM_VERSION)
-WIN_TESTS  = test_windows test_conformance test_purchasing
+WIN_TESTS  = test_windows test_conformance test_core test_estimating test_production test_catalogue \
+             test_labor test_pricing test_measure test_purchasing
 
 windows-deps:
 	@$(MAKE) --no-print-directory deps PACKAGES="$(WIN_PACKAGES)"

@@ -24,7 +24,9 @@ namespace platform {
 
 namespace {
 
+#if !defined(_WIN32)
 fs::path ToPath(const std::string& text) { return fs::path(text); }
+#endif
 
 bool EqualIgnoringCase(char a, char b) {
     return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
@@ -75,6 +77,37 @@ std::string ComputerName() {
 #endif
 }
 
+#if defined(_WIN32)
+// On Windows the whole-file operations go through the Win32 calls, with the same narrow (ANSI)
+// paths the rest of the library hands to the system: CopyFileA and MoveFileExA refuse an existing
+// target themselves, and DeleteFileA removes files only.
+bool FileExists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+bool CopyFileTo(const std::string& from, const std::string& to, bool overwrite) {
+    return CopyFileA(from.c_str(), to.c_str(), overwrite ? FALSE : TRUE) != 0;
+}
+
+bool MoveFileTo(const std::string& from, const std::string& to) {
+    return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_COPY_ALLOWED) != 0;
+}
+
+bool RemoveFile(const std::string& path) { return DeleteFileA(path.c_str()) != 0; }
+
+PathState LookUpPath(const std::string& path) {
+    if (path.empty() || path.find('\0') != std::string::npos)
+        return PathState::Invalid;
+    if (GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES)
+        return PathState::Exists;
+    switch (GetLastError()) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_DIRECTORY:  // a component that is a file
+        return PathState::Missing;
+    default:
+        return PathState::Invalid;
+    }
+}
+#else
 bool FileExists(const std::string& path) {
     std::error_code error;
     return fs::exists(ToPath(path), error);
@@ -112,6 +145,7 @@ PathState LookUpPath(const std::string& path) {
         return PathState::Missing;
     return PathState::Invalid;
 }
+#endif
 
 bool MatchesWildcard(const std::string& name, const std::string& pattern) {
     // Greedy match with one backtrack point for the last '*'.
@@ -137,6 +171,25 @@ bool MatchesWildcard(const std::string& name, const std::string& pattern) {
 
 std::vector<std::string> FindFiles(const std::string& directory, const std::string& pattern) {
     std::vector<std::string> names;
+#if defined(_WIN32)
+    // Every entry is listed and matched here: the system's own wildcard match also looks at the
+    // 8.3 names, so "*.RDB" would find "A.RDBX" through its short form.
+    std::string all = directory.empty() ? std::string(".") : directory;
+    if (!IsPathSeparator(all.back()) && all.back() != ':')
+        all += '\\';
+    all += '*';
+    WIN32_FIND_DATAA entry;
+    HANDLE search = FindFirstFileA(all.c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE)
+        return names;
+    do {
+        if (entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE))
+            continue;
+        if (MatchesWildcard(entry.cFileName, pattern))
+            names.emplace_back(entry.cFileName);
+    } while (FindNextFileA(search, &entry));
+    FindClose(search);
+#else
     std::error_code error;
     fs::directory_iterator it(directory.empty() ? fs::path(".") : ToPath(directory), error);
     for (; !error && it != fs::directory_iterator(); it.increment(error)) {
@@ -147,6 +200,7 @@ std::vector<std::string> FindFiles(const std::string& directory, const std::stri
         if (MatchesWildcard(name, pattern))
             names.push_back(std::move(name));
     }
+#endif
     std::sort(names.begin(), names.end());
     return names;
 }

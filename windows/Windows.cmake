@@ -16,3 +16,6 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 # <windows.h> without its min/max macros and rarely used parts, in every file that includes it.
 add_compile_definitions(NOMINMAX WIN32_LEAN_AND_MEAN)
+
+# Added to the library once its target exists (after this file is read).
+cmake_language(DEFER CALL target_sources tarsel PRIVATE ${PROJECT_SOURCE_DIR}/windows/ExportedConstants.cpp)

@@ -68,7 +68,7 @@ TEST(Platform, SplitAndMakePathAreInverse) {
         EXPECT_EQ(parts.extension, c.extension);
         EXPECT_EQ(platform::MakePath(parts.directory, parts.name, parts.extension), c.path);
     }
-    EXPECT_EQ(platform::MakePath("/data", "JOB1", "RDK"), "/data/JOB1.RDK");
+    EXPECT_EQ(platform::MakePath("/data", "JOB1", "RDK"), std::string("/data") + platform::PathSeparator() + "JOB1.RDK");
 }
 
 TEST(Platform, WholeFileOperations) {
@@ -109,5 +109,7 @@ TEST(Platform, LookUpPathTellsMissingFromRejected) {
 
 TEST(Platform, NamesOfThisMachine) {
     EXPECT_FALSE(platform::ComputerName().empty());
+#if !defined(_WIN32)  // Windows short forms: tests/windows
     EXPECT_EQ(platform::ShortPathName("/some/long path/name.RDB"), "/some/long path/name.RDB");
+#endif
 }

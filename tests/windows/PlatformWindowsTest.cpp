@@ -105,7 +105,9 @@ TEST(WindowsPlatform, WholeFileOperationsWithMixedSeparators) {
     EXPECT_EQ(Read(c), "first");
     EXPECT_FALSE(platform::MoveFileTo(b, c));
 
-    // The search ignores letter case in names, as Windows does, and lists regular files only.
+    // The search ignores letter case in names, as Windows does, and lists regular files only; a
+    // longer extension does not match through its 8.3 form.
+    Touch(base + "/longer name.rdbx");
     EXPECT_EQ(platform::FindFiles(base, "*.rdb"), (std::vector<std::string>{"b.RDB"}));
     EXPECT_EQ(platform::FindFiles(base + "\\sub", "C.RDB"), (std::vector<std::string>{"c.rdb"}));
 

@@ -2,6 +2,8 @@
 // name, each with its reason printed, so that a run never drops a test silently.
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 #include <cstdio>
 #include <string>
 
@@ -14,6 +16,50 @@ struct Skip {
 
 const Skip kSkips[] = {
 #include "WineSkips.inc"
+};
+
+// Gives every test a temporary folder of its own, named in 8.3 form. Wine makes up the short name
+// of a long one from its first four letters and a three-letter hash, and resolves it to the first
+// entry that matches: among the many long-named test folders a temporary folder collects
+// (those holding a file the process keeps open cannot be removed until it ends), two sooner or
+// later share a short name, and a path through the short form then reaches the wrong folder.
+class TestTempFolders : public testing::EmptyTestEventListener {
+public:
+    TestTempFolders() {
+        char base[MAX_PATH + 1] = {0};
+        const DWORD length = ::GetTempPathA(sizeof base, base);
+        if (length > 0 && length < sizeof base)
+            m_base = std::string(base, length) + "TS" + std::to_string(::GetCurrentProcessId());
+    }
+
+    void OnTestStart(const testing::TestInfo&) override {
+        if (m_base.empty())
+            return;
+        ::CreateDirectoryA(m_base.c_str(), nullptr);
+        std::string folder;
+        for (;;) {
+            folder = m_base + "\\" + std::to_string(++m_count);
+            if (::CreateDirectoryA(folder.c_str(), nullptr))
+                break;
+            if (::GetLastError() != ERROR_ALREADY_EXISTS)
+                return;  // the test keeps the folder it had
+        }
+        ::SetEnvironmentVariableA("TMP", folder.c_str());
+        ::SetEnvironmentVariableA("TEMP", folder.c_str());
+        m_folder = folder;
+    }
+
+    // Goes when the test removed what it made; otherwise run-wine.sh clears it before the next program.
+    void OnTestEnd(const testing::TestInfo&) override {
+        if (!m_folder.empty())
+            ::RemoveDirectoryA(m_folder.c_str());
+        m_folder.clear();
+    }
+
+private:
+    std::string m_base;
+    std::string m_folder;
+    unsigned m_count = 0;
 };
 
 }  // namespace
@@ -39,5 +85,6 @@ int main(int argc, char** argv) {
         filter += filter.find('-') == std::string::npos ? "-" + excluded.substr(1) : excluded;
         GTEST_FLAG_SET(filter, filter);
     }
+    testing::UnitTest::GetInstance()->listeners().Append(new TestTempFolders);
     return RUN_ALL_TESTS();
 }
