@@ -107,6 +107,8 @@ int REBtrieveBase::Open(const char* path) {
 
     int16_t status = Btrieve(kOpOpen, m_posBlock, owner, &ownerLength, m_keyBuffer,
                              static_cast<uint8_t>(m_keyLength), kOpenNormal);
+    // A report names the path the caller gave, not the short form the record manager was handed.
+    RENoteCall(kOpOpen, m_fileName, sizeof m_fileName);
     if (!CheckStatus(status, 1))
         return 0;
 

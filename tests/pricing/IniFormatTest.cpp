@@ -18,7 +18,13 @@ protected:
         WriteBytes(path, text);
         EXPECT_EQ(1, ConvertMillPriceFileToIniFormat(path.c_str()));
         EXPECT_EQ(text, ReadBytes(dosPath));
-        return ReadBytes(path);
+        std::string ini = ReadBytes(path);
+#if defined(_WIN32)
+        // Written in text mode: each line ends in CR LF on Windows.
+        for (size_t at = ini.find("\r\n"); at != std::string::npos; at = ini.find("\r\n", at))
+            ini.erase(at, 1);
+#endif
+        return ini;
     }
 
     testsupport::TempDir dir;
