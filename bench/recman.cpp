@@ -495,7 +495,7 @@ struct StoreSchemaSide final : Side {
     recman::sqlite::SqlText sql = recman::sqlite::SqlText::forSpec(jobSpec());
     Db d;
     sqlite3_stmt *seekEqual, *first, *next, *stepFirst, *stepNext, *insertRow, *updateRow, *deleteRow, *begin,
-        *commit;
+        *commit, *countInsert, *countDelete;
     uint8_t rec[kRecordLength];
     std::string encoded, last;
     int64_t lastRecno = 0, nextRecno = 0;
@@ -515,11 +515,13 @@ struct StoreSchemaSide final : Side {
         next = d.prepare(sql.seekKey[0][size_t(recman::Seek::Next)]);
         stepFirst = d.prepare(sql.physicalFirst);
         stepNext = d.prepare(sql.physicalNext);
-        insertRow = d.prepare(sql.insert);
+        insertRow = d.prepare(sql.update);
         updateRow = d.prepare(sql.updateData);
         deleteRow = d.prepare(sql.remove);
         begin = d.prepare(recman::sqlite::sql::Begin);
         commit = d.prepare(recman::sqlite::sql::Commit);
+        countInsert = d.prepare(recman::sqlite::sql::AppendCounter);
+        countDelete = d.prepare(recman::sqlite::sql::CountDelete);
     }
 
     bool fetch(sqlite3_stmt* st, bool withKey)
@@ -545,6 +547,9 @@ struct StoreSchemaSide final : Side {
         bindBlob(insertRow, 4, encoded.data(), encoded.size());
         sqlite3_bind_int64(insertRow, 5, 0);
         check(Db::run(insertRow) == SQLITE_DONE, "insert");
+        sqlite3_bind_int64(countInsert, 1, nextRecno + 1);
+        sqlite3_bind_int64(countInsert, 2, nextRecno);
+        check(Db::run(countInsert) == SQLITE_DONE, "count");
         check(Db::run(commit) == SQLITE_DONE, "commit");
     }
     void getEqual(uint32_t i) override
@@ -580,8 +585,11 @@ struct StoreSchemaSide final : Side {
     void remove(uint32_t i) override
     {
         getEqual(i);
+        check(Db::run(begin) == SQLITE_DONE, "begin");
         sqlite3_bind_int64(deleteRow, 1, lastRecno);
         check(Db::run(deleteRow) == SQLITE_DONE, "delete");
+        check(Db::run(countDelete) == SQLITE_DONE, "count");
+        check(Db::run(commit) == SQLITE_DONE, "commit");
     }
 };
 

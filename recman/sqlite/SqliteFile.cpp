@@ -45,7 +45,7 @@ Statement* SqliteFile::prepared(Statement& st, const std::string& text)
 Statement* SqliteFile::fixed(Fixed which)
 {
     static const char* const texts[] = {
-        sql::Begin, sql::Commit, sql::Rollback, sql::CountInsert, sql::CountDelete, sql::NextSeq, sql::Count,
+        sql::Begin, sql::Commit, sql::Rollback, sql::Counters, sql::AppendCounter, sql::CountDelete, sql::GiveRank,
         sql::Opens, sql::AddOpen, sql::RemoveOpen, sql::RemoveOwnerLocks, sql::LockHolders, sql::AddLock,
         sql::RemoveLock, sql::RemoveRecordLocks,
     };
@@ -58,7 +58,6 @@ Statement* SqliteFile::fixed(Fixed which)
     case FPhysNext: return prepared(st, m_sql.physicalNext);
     case FPhysPrev: return prepared(st, m_sql.physicalPrevious);
     case FRead: return prepared(st, m_sql.readRecord);
-    case FInsert: return prepared(st, m_sql.insert);
     case FUpdate: return prepared(st, m_sql.update);
     case FUpdateData: return prepared(st, m_sql.updateData);
     case FRemove: return prepared(st, m_sql.remove);
@@ -162,17 +161,26 @@ Status SqliteFile::readRecord(int64_t recno, FoundRecord& out)
     return fetch(st, false, out);
 }
 
-Status SqliteFile::recordCount(uint32_t& count)
+Status SqliteFile::counters(int64_t& count, int64_t& highest)
 {
-    Statement* st = fixed(FCount);
+    Statement* st = fixed(FCounters);
     if (!st)
         return rowStatus(sqlite3_errcode(m_db));
     ResetOnExit r(*st);
     const int rc = st->step();
     if (rc != SQLITE_ROW)
         return rc == SQLITE_DONE ? StatusStoreFailure : rowStatus(rc);
-    count = uint32_t(st->integer(0));
+    highest = st->integer(0) - 1;
+    count = st->integer(1);
     return StatusOk;
+}
+
+Status SqliteFile::recordCount(uint32_t& count)
+{
+    int64_t n = 0, highest = 0;
+    const Status s = counters(n, highest);
+    count = uint32_t(n);
+    return s;
 }
 
 Status SqliteFile::highestAutoValue(size_t field, int64_t& value)
@@ -226,25 +234,26 @@ void SqliteFile::bindRecord(Statement& st, const RecordWrite& rec, int64_t seq, 
 
 Status SqliteFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq)
 {
-    Statement* counters = fixed(FCountInsert);
-    if (!counters)
-        return rowStatus(sqlite3_errcode(m_db));
-    {
-        ResetOnExit r(*counters);
-        const int rc = counters->step();
-        if (rc != SQLITE_ROW)
-            return rowStatus(rc);
-        recno = counters->integer(0);
-        seq = counters->integer(1);
-    }
-    Statement* st = fixed(FInsert);
+    int64_t count = 0, highest = 0;
+    if (const Status s = counters(count, highest); s != StatusOk)
+        return s;
+    recno = seq = highest + 1;
+    version = 1;
+    // The counter row becomes the record; a new one goes behind it.
+    Statement* st = fixed(FUpdate);
     if (!st)
         return rowStatus(sqlite3_errcode(m_db));
-    version = 1;
     st->bind(1, recno);
     st->bind(2, version);
     bindRecord(*st, rec, seq, false);
-    return run(st);
+    if (const Status s = run(st); s != StatusOk)
+        return s;
+    Statement* counter = fixed(FAppendCounter);
+    if (counter) {
+        counter->bind(1, recno + 1);
+        counter->bind(2, count + 1);
+    }
+    return run(counter);
 }
 
 Status SqliteFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq)
@@ -263,14 +272,16 @@ Status SqliteFile::updateRecord(int64_t recno, int64_t newVersion, const RecordW
         return run(st);
     }
     if (needRank) {
-        Statement* counter = fixed(FNextSeq);
-        if (!counter)
-            return rowStatus(sqlite3_errcode(m_db));
-        ResetOnExit r(*counter);
-        const int rc = counter->step();
-        if (rc != SQLITE_ROW)
-            return rowStatus(rc);
-        seq = counter->integer(0);
+        int64_t count = 0;
+        if (const Status s = counters(count, seq); s != StatusOk)
+            return s;
+        Statement* given = fixed(FGiveRank);
+        if (given) {
+            given->bind(1, ++seq);
+            given->bind(2, seq + 1);
+        }
+        if (const Status s = run(given); s != StatusOk)
+            return s;
     }
     Statement* st = fixed(FUpdate);
     if (!st)

@@ -52,9 +52,9 @@ public:
 
 private:
     enum Fixed {
-        FBegin, FCommit, FRollback, FCountInsert, FCountDelete, FNextSeq, FCount, FOpens, FAddOpen,
+        FBegin, FCommit, FRollback, FCounters, FAppendCounter, FCountDelete, FGiveRank, FOpens, FAddOpen,
         FRemoveOpen, FRemoveOwnerLocks, FLockHolders, FAddLock, FRemoveLock, FRemoveRecordLocks,
-        FPhysFirst, FPhysLast, FPhysNext, FPhysPrev, FRead, FInsert, FUpdate, FUpdateData, FRemove, FixedCount
+        FPhysFirst, FPhysLast, FPhysNext, FPhysPrev, FRead, FUpdate, FUpdateData, FRemove, FixedCount
     };
 
     Statement* fixed(Fixed which);
@@ -63,6 +63,8 @@ private:
     Status rowStatus(int rc) const;
     Status fetch(Statement* st, bool withKey, FoundRecord& out);
     Status ownerStatement(Fixed which, const Owner& owner);
+    // The counter row: the record count and the highest number given.
+    Status counters(int64_t& count, int64_t& highest);
     Status registerInTransaction(const Owner& owner, bool exclusive);
     Status removeOwner(const Owner& owner);
     void bindRecord(Statement& st, const RecordWrite& rec, int64_t seq, bool keepUnchangedRank);
