@@ -23,6 +23,23 @@ struct SharedFile {
 
 enum class Logical { None, On, Broken };
 
+// Records read ahead for a handle's Next or Previous calls, valid while the file's change mark is
+// the one taken before they were read. `entries[next]` is what the seek from the position
+// (value, seq) of key `key`, or from record number `recno` when `physical`, finds.
+struct ReadWindow {
+    bool valid = false;
+    bool physical = false;
+    bool atEnd = false;  // nothing lies beyond the entries
+    int key = 0;
+    Seek how = Seek::Next;
+    ChangeMark mark;
+    std::string value;
+    int64_t seq = 0;
+    int64_t recno = 0;
+    size_t next = 0;
+    std::vector<RecordCopy> entries;
+};
+
 struct Handle {
     uint64_t number = 0;
     Owner owner;
@@ -50,6 +67,8 @@ struct Handle {
     bool hasSingle = false;
     int64_t singleLock = 0;
     std::set<int64_t> multipleLocks;
+
+    ReadWindow window;
 
     // Scratch buffers reused across calls.
     std::string scratch, search, oldRecord, oldValue;

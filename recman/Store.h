@@ -42,6 +42,22 @@ struct FoundRecord {
     const std::string* keyValue = nullptr;  // encoded value in the key sought
 };
 
+// A record a run of seeks found, held by the caller.
+struct RecordCopy {
+    int64_t recno = 0;
+    int64_t version = 0;
+    int64_t seq = 0;
+    std::string data;
+    std::string keyValue;  // empty for a physical run
+};
+
+// The committed state of a file as last seen: equal marks taken by two calls mean that no process
+// committed a write to the file in between.
+struct ChangeMark {
+    uint64_t words[6] = {};
+    bool operator==(const ChangeMark&) const = default;
+};
+
 // A record's entry in one key: its encoded value, or none (null key).
 struct KeyEntry {
     bool present = false;
@@ -83,6 +99,29 @@ public:
     // First, Last, Next (record number above `recno`), Previous (below it).
     virtual Status seekPhysical(Seek how, int64_t recno, FoundRecord& out) = 0;
     virtual Status readRecord(int64_t recno, FoundRecord& out) = 0;
+    // Up to `max` records a Next or Previous seek and the ones after it would find in turn, in
+    // one read; fewer only at the end. `out` is resized to the number found.
+    virtual Status seekKeyRun(int key, Seek how, const std::string& value, int64_t seq, size_t max,
+                              std::vector<RecordCopy>& out)
+    {
+        return runOf(max, out, [&](const RecordCopy& last, bool first, FoundRecord& f) {
+            return first ? seekKey(key, how, value, seq, f) : seekKey(key, how, last.keyValue, last.seq, f);
+        });
+    }
+    virtual Status seekPhysicalRun(Seek how, int64_t recno, size_t max, std::vector<RecordCopy>& out)
+    {
+        return runOf(max, out, [&](const RecordCopy& last, bool first, FoundRecord& f) {
+            return seekPhysical(how, first ? recno : last.recno, f);
+        });
+    }
+    // Takes the file's change mark without asking the file: false when the store cannot tell
+    // (every read then goes to the file). A mark taken before a read stays equal only while the
+    // records that read found are still the file's.
+    virtual bool changeMark(ChangeMark& mark)
+    {
+        (void)mark;
+        return false;
+    }
     virtual Status recordCount(uint32_t& count) = 0;
 
     // Writes (inside a transaction). Insert and Update answer StatusDuplicateKey on a unique key.
@@ -107,6 +146,23 @@ public:
     // Takes a lock; StatusRecordLocked when another live handle holds it.
     virtual Status addLock(int64_t recno, const Owner& owner) = 0;
     virtual Status removeLock(int64_t recno, const Owner& owner) = 0;
+
+private:
+    template <typename Seek1>
+    Status runOf(size_t max, std::vector<RecordCopy>& out, Seek1 seek)
+    {
+        out.resize(max);
+        for (size_t i = 0; i < max; ++i) {
+            FoundRecord f;
+            const Status s = seek(i ? out[i - 1] : out[0], i == 0, f);
+            if (s != StatusOk) {
+                out.resize(i);
+                return s == StatusEndOfFile ? StatusOk : s;
+            }
+            out[i] = RecordCopy{f.recno, f.version, f.seq, *f.data, f.keyValue ? *f.keyValue : std::string()};
+        }
+        return StatusOk;
+    }
 };
 
 // A file an Open has named, held between naming and registration: the file cannot be replaced

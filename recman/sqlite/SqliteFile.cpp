@@ -2,7 +2,13 @@
 
 #include "recman/Platform.h"
 
+#include <atomic>
+
 namespace recman::sqlite {
+
+namespace {
+constexpr int WalIndexRegion = 32768;  // the size SQLite maps the shared index in
+}  // namespace
 
 bool ownerAlive(const Owner& owner, const ProcessMark& mark)
 {
@@ -21,6 +27,14 @@ SqliteFile::SqliteFile(sqlite3* db, FileSpec spec)
         m_seek.emplace_back(size_t(Seek::Previous) + 1);
     m_autoMax = std::vector<Statement>(m_autoFields.size());
     m_autoExists = std::vector<Statement>(m_autoFields.size());
+    // A run is its single seek with a limit of ?9.
+    const auto run = [](const std::string& single) { return single.substr(0, single.rfind("LIMIT 1")) + "LIMIT ?9"; };
+    for (size_t i = 0; i < m_spec.keys.size(); ++i)
+        for (Seek how : {Seek::Next, Seek::Previous})
+            m_runTexts.push_back(run(m_sql.seekKey[i][size_t(how)]));
+    m_runTexts.push_back(run(m_sql.physicalNext));
+    m_runTexts.push_back(run(m_sql.physicalPrevious));
+    m_runs = std::vector<Statement>(m_runTexts.size());
 }
 
 SqliteFile::~SqliteFile()
@@ -31,6 +45,7 @@ SqliteFile::~SqliteFile()
     m_seek.clear();
     m_autoMax.clear();
     m_autoExists.clear();
+    m_runs.clear();
     m_fixed.reset();
     sqlite3_close_v2(m_db);
 }
@@ -159,6 +174,83 @@ Status SqliteFile::readRecord(int64_t recno, FoundRecord& out)
     if (st)
         st->bind(1, recno);
     return fetch(st, false, out);
+}
+
+Status SqliteFile::fetchRun(Statement* st, bool withKey, size_t max, std::vector<RecordCopy>& out)
+{
+    out.clear();
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    ResetOnExit r(*st);
+    st->bind(9, int64_t(max));
+    out.resize(max);
+    size_t n = 0;
+    int rc;
+    while (n < max && (rc = st->step()) == SQLITE_ROW) {
+        RecordCopy& c = out[n++];
+        c.recno = st->integer(0);
+        c.version = st->integer(1);
+        st->blob(2, c.data);
+        c.seq = withKey ? st->integer(4) : 0;
+        if (withKey)
+            st->blob(3, c.keyValue);
+        else
+            c.keyValue.clear();
+    }
+    out.resize(n);
+    return n == max || rc == SQLITE_DONE ? StatusOk : rowStatus(rc);
+}
+
+Status SqliteFile::seekKeyRun(int key, Seek how, const std::string& value, int64_t seq, size_t max,
+                              std::vector<RecordCopy>& out)
+{
+    if (how != Seek::Next && how != Seek::Previous)
+        return StoreFile::seekKeyRun(key, how, value, seq, max, out);
+    const size_t at = size_t(key) * 2 + (how == Seek::Next ? 0 : 1);
+    Statement* st = prepared(m_runs[at], m_runTexts[at]);
+    if (st) {
+        st->bindBlob(1, value.data(), value.size());
+        if (m_spec.keys[size_t(key)].duplicates)
+            st->bind(2, seq);
+    }
+    return fetchRun(st, true, max, out);
+}
+
+Status SqliteFile::seekPhysicalRun(Seek how, int64_t recno, size_t max, std::vector<RecordCopy>& out)
+{
+    if (how != Seek::Next && how != Seek::Previous)
+        return StoreFile::seekPhysicalRun(how, recno, max, out);
+    const size_t at = m_spec.keys.size() * 2 + (how == Seek::Next ? 0 : 1);
+    Statement* st = prepared(m_runs[at], m_runTexts[at]);
+    if (st)
+        st->bind(1, recno);
+    return fetchRun(st, false, max, out);
+}
+
+bool SqliteFile::changeMark(ChangeMark& mark)
+{
+    // Region 0 of the log's shared index starts with the index header: two copies of 48 bytes,
+    // the first rewritten last by every commit (and by recovery). Mapped by SQLite's first read;
+    // asking the file for it again maps nothing new.
+    if (!m_walIndex && !m_walIndexTried) {
+        m_walIndexTried = true;
+        sqlite3_file* file = nullptr;
+        if (sqlite3_file_control(m_db, "main", SQLITE_FCNTL_FILE_POINTER, &file) == SQLITE_OK && file &&
+            file->pMethods && file->pMethods->iVersion >= 2 && file->pMethods->xShmMap) {
+            void volatile* region = nullptr;
+            if (file->pMethods->xShmMap(file, 0, WalIndexRegion, 0, &region) == SQLITE_OK)
+                m_walIndex = const_cast<const void*>(region);
+        }
+    }
+    if (!m_walIndex)
+        return false;
+    std::atomic_thread_fence(std::memory_order_acquire);
+    const auto* header = static_cast<const volatile uint64_t*>(m_walIndex);
+    for (size_t i = 0; i < 6; ++i)
+        mark.words[i] = header[i];
+    std::atomic_thread_fence(std::memory_order_acquire);
+    // isInit (byte 12) is set once the header is valid.
+    return (mark.words[1] >> 32 & 0xFF) == 1;
 }
 
 Status SqliteFile::counters(int64_t& count, int64_t& highest)

@@ -29,6 +29,11 @@ public:
     Status seekKey(int key, Seek how, const std::string& value, int64_t seq, FoundRecord& out) override;
     Status seekPhysical(Seek how, int64_t recno, FoundRecord& out) override;
     Status readRecord(int64_t recno, FoundRecord& out) override;
+    Status seekKeyRun(int key, Seek how, const std::string& value, int64_t seq, size_t max,
+                      std::vector<RecordCopy>& out) override;
+    Status seekPhysicalRun(Seek how, int64_t recno, size_t max, std::vector<RecordCopy>& out) override;
+    // The header of the write-ahead log's shared index, which every commit of any process rewrites.
+    bool changeMark(ChangeMark& mark) override;
     Status recordCount(uint32_t& count) override;
 
     Status highestAutoValue(size_t field, int64_t& value) override;
@@ -68,6 +73,7 @@ private:
     Status registerInTransaction(const Owner& owner, bool exclusive);
     Status removeOwner(const Owner& owner);
     void bindRecord(Statement& st, const RecordWrite& rec, int64_t seq, bool keepUnchangedRank);
+    Status fetchRun(Statement* st, bool withKey, size_t max, std::vector<RecordCopy>& out);
 
     sqlite3* m_db;
     FileSpec m_spec;
@@ -76,6 +82,11 @@ private:
     std::unique_ptr<Statement[]> m_fixed;
     std::vector<std::vector<Statement>> m_seek;
     std::vector<Statement> m_autoMax, m_autoExists;
+    // Runs: per key, Next then Previous; then physical Next and Previous.
+    std::vector<Statement> m_runs;
+    std::vector<std::string> m_runTexts;
+    const volatile void* m_walIndex = nullptr;
+    bool m_walIndexTried = false;
     std::string m_data, m_key;
     std::vector<Owner> m_holders;
     std::vector<std::pair<Owner, bool>> m_owners;

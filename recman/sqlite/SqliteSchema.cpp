@@ -24,7 +24,8 @@ std::vector<std::string> keySeeks(size_t i, bool duplicates)
 {
     const std::string k = col('k', i);
     const std::string s = col('s', i);
-    const std::string head = "SELECT n, v, d, " + k + ", " + s + " FROM rec WHERE " + k + " IS NOT NULL AND ";
+    const std::string all = "SELECT n, v, d, " + k + ", " + s + " FROM rec WHERE " + k + " IS NOT NULL";
+    const std::string head = all + " AND ";
     const std::string up = duplicates ? " ORDER BY " + k + ", " + s + " LIMIT 1" : " ORDER BY " + k + " LIMIT 1";
     const std::string down =
         duplicates ? " ORDER BY " + k + " DESC, " + s + " DESC LIMIT 1" : " ORDER BY " + k + " DESC LIMIT 1";
@@ -35,8 +36,8 @@ std::vector<std::string> keySeeks(size_t i, bool duplicates)
     v[size_t(Seek::GreaterOrEqual)] = head + k + ">=?1" + up;
     v[size_t(Seek::Less)] = head + k + "<?1" + down;
     v[size_t(Seek::LessOrEqual)] = head + k + "<=?1" + down;
-    v[size_t(Seek::First)] = head + "1" + up;
-    v[size_t(Seek::Last)] = head + "1" + down;
+    v[size_t(Seek::First)] = all + up;
+    v[size_t(Seek::Last)] = all + down;
     if (duplicates) {
         v[size_t(Seek::Next)] = head + "(" + k + ", " + s + ")>(?1, ?2)" + up;
         v[size_t(Seek::Previous)] = head + "(" + k + ", " + s + ")<(?1, ?2)" + down;
