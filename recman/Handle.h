@@ -4,6 +4,7 @@
 
 #include "recman/Store.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -19,6 +20,10 @@ struct SharedFile {
     std::unique_ptr<StoreFile> store;  // opened by the first handle
     bool writable = false;
     int refs = 0;                      // handles and opens under way; guarded by the engine's mutex
+    // The store keeps a read open since the call that ended at `lastCall` (steady ms); set and
+    // cleared under `mutex`, read by the engine's idle releaser.
+    std::atomic<bool> holding{false};
+    std::atomic<int64_t> lastCall{0};
 };
 
 enum class Logical { None, On, Broken };

@@ -122,6 +122,11 @@ public:
         (void)mark;
         return false;
     }
+    // Whether the file keeps a read open between calls (one that stays current while the change
+    // mark does), and letting go of it once the file has been idle a while: an open read keeps
+    // other processes' writes from being folded back into the file.
+    virtual bool holdsRead() const { return false; }
+    virtual void idle() {}
     virtual Status recordCount(uint32_t& count) = 0;
 
     // Writes (inside a transaction). Insert and Update answer StatusDuplicateKey on a unique key.

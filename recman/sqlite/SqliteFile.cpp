@@ -41,6 +41,7 @@ SqliteFile::~SqliteFile()
 {
     if (m_inTransaction)
         rollback();
+    endRead();
     // Statements first: the connection closes cleanly (and checkpoints) only without them.
     m_seek.clear();
     m_autoMax.clear();
@@ -60,7 +61,7 @@ Statement* SqliteFile::prepared(Statement& st, const std::string& text)
 Statement* SqliteFile::fixed(Fixed which)
 {
     static const char* const texts[] = {
-        sql::Begin, sql::Commit, sql::Rollback, sql::Counters, sql::AppendCounter, sql::CountDelete, sql::GiveRank,
+        sql::Begin, sql::BeginRead, sql::Commit, sql::Rollback, sql::Counters, sql::AppendCounter, sql::CountDelete, sql::GiveRank,
         sql::Opens, sql::AddOpen, sql::RemoveOpen, sql::RemoveOwnerLocks, sql::LockHolders, sql::AddLock,
         sql::RemoveLock, sql::RemoveRecordLocks,
     };
@@ -96,8 +97,37 @@ Status SqliteFile::run(Statement* st)
     return rowStatus(rc);
 }
 
+Status SqliteFile::readCurrent()
+{
+    if (m_inTransaction)
+        return StatusOk;
+    ChangeMark now;
+    if (!changeMark(now)) {
+        endRead();
+        return StatusOk;
+    }
+    if (m_reading && now == m_readMark)
+        return StatusOk;
+    endRead();
+    // The read begins at the next statement, so it sees at least what the mark saw.
+    const Status s = run(fixed(FBeginRead));
+    m_reading = s == StatusOk;
+    m_readMark = now;
+    return s;
+}
+
+void SqliteFile::endRead()
+{
+    if (!m_reading)
+        return;
+    m_reading = false;
+    if (!sqlite3_get_autocommit(m_db) && run(fixed(FCommit)) != StatusOk)
+        run(fixed(FRollback));
+}
+
 Status SqliteFile::begin()
 {
+    endRead();
     const Status s = run(fixed(FBegin));
     m_inTransaction = s == StatusOk;
     return s;
@@ -127,8 +157,12 @@ Status SqliteFile::fetch(Statement* st, bool withKey, FoundRecord& out)
     const int rc = st->step();
     if (rc == SQLITE_DONE)
         return StatusEndOfFile;
-    if (rc != SQLITE_ROW)
-        return rowStatus(rc);
+    if (rc != SQLITE_ROW) {
+        const Status s = rowStatus(rc);
+        st->reset();
+        endRead();
+        return s;
+    }
     out.recno = st->integer(0);
     out.version = st->integer(1);
     st->blob(2, m_data);
@@ -145,6 +179,8 @@ Status SqliteFile::fetch(Statement* st, bool withKey, FoundRecord& out)
 
 Status SqliteFile::seekKey(int key, Seek how, const std::string& value, int64_t seq, FoundRecord& out)
 {
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
     Statement* st = prepared(m_seek[size_t(key)][size_t(how)], m_sql.seekKey[size_t(key)][size_t(how)]);
     if (st && how != Seek::First && how != Seek::Last) {
         st->bindBlob(1, value.data(), value.size());
@@ -156,6 +192,8 @@ Status SqliteFile::seekKey(int key, Seek how, const std::string& value, int64_t 
 
 Status SqliteFile::seekPhysical(Seek how, int64_t recno, FoundRecord& out)
 {
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
     Statement* st = nullptr;
     switch (how) {
     case Seek::First: st = fixed(FPhysFirst); break;
@@ -170,6 +208,8 @@ Status SqliteFile::seekPhysical(Seek how, int64_t recno, FoundRecord& out)
 
 Status SqliteFile::readRecord(int64_t recno, FoundRecord& out)
 {
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
     Statement* st = fixed(FRead);
     if (st)
         st->bind(1, recno);
@@ -198,12 +238,19 @@ Status SqliteFile::fetchRun(Statement* st, bool withKey, size_t max, std::vector
             c.keyValue.clear();
     }
     out.resize(n);
-    return n == max || rc == SQLITE_DONE ? StatusOk : rowStatus(rc);
+    if (n == max || rc == SQLITE_DONE)
+        return StatusOk;
+    const Status s = rowStatus(rc);
+    st->reset();
+    endRead();
+    return s;
 }
 
 Status SqliteFile::seekKeyRun(int key, Seek how, const std::string& value, int64_t seq, size_t max,
                               std::vector<RecordCopy>& out)
 {
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
     if (how != Seek::Next && how != Seek::Previous)
         return StoreFile::seekKeyRun(key, how, value, seq, max, out);
     const size_t at = size_t(key) * 2 + (how == Seek::Next ? 0 : 1);
@@ -218,6 +265,8 @@ Status SqliteFile::seekKeyRun(int key, Seek how, const std::string& value, int64
 
 Status SqliteFile::seekPhysicalRun(Seek how, int64_t recno, size_t max, std::vector<RecordCopy>& out)
 {
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
     if (how != Seek::Next && how != Seek::Previous)
         return StoreFile::seekPhysicalRun(how, recno, max, out);
     const size_t at = m_spec.keys.size() * 2 + (how == Seek::Next ? 0 : 1);
@@ -269,6 +318,8 @@ Status SqliteFile::counters(int64_t& count, int64_t& highest)
 
 Status SqliteFile::recordCount(uint32_t& count)
 {
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
     int64_t n = 0, highest = 0;
     const Status s = counters(n, highest);
     count = uint32_t(n);

@@ -34,6 +34,8 @@ public:
     Status seekPhysicalRun(Seek how, int64_t recno, size_t max, std::vector<RecordCopy>& out) override;
     // The header of the write-ahead log's shared index, which every commit of any process rewrites.
     bool changeMark(ChangeMark& mark) override;
+    bool holdsRead() const override { return m_reading; }
+    void idle() override { endRead(); }
     Status recordCount(uint32_t& count) override;
 
     Status highestAutoValue(size_t field, int64_t& value) override;
@@ -57,7 +59,7 @@ public:
 
 private:
     enum Fixed {
-        FBegin, FCommit, FRollback, FCounters, FAppendCounter, FCountDelete, FGiveRank, FOpens, FAddOpen,
+        FBegin, FBeginRead, FCommit, FRollback, FCounters, FAppendCounter, FCountDelete, FGiveRank, FOpens, FAddOpen,
         FRemoveOpen, FRemoveOwnerLocks, FLockHolders, FAddLock, FRemoveLock, FRemoveRecordLocks,
         FPhysFirst, FPhysLast, FPhysNext, FPhysPrev, FRead, FUpdate, FUpdateData, FRemove, FixedCount
     };
@@ -74,6 +76,10 @@ private:
     Status removeOwner(const Owner& owner);
     void bindRecord(Statement& st, const RecordWrite& rec, int64_t seq, bool keepUnchangedRank);
     Status fetchRun(Statement* st, bool withKey, size_t max, std::vector<RecordCopy>& out);
+    // Reads outside a write run in one read kept open from call to call while the change mark
+    // stays the one taken before it began; a new mark begins a new read.
+    Status readCurrent();
+    void endRead();
 
     sqlite3* m_db;
     FileSpec m_spec;
@@ -87,6 +93,8 @@ private:
     std::vector<std::string> m_runTexts;
     const volatile void* m_walIndex = nullptr;
     bool m_walIndexTried = false;
+    bool m_reading = false;
+    ChangeMark m_readMark;
     std::string m_data, m_key;
     std::vector<Owner> m_holders;
     std::vector<std::pair<Owner, bool>> m_owners;

@@ -55,6 +55,7 @@ struct SqlText {
 // Statements that do not depend on the file's keys.
 namespace sql {
 inline constexpr const char* Begin = "BEGIN IMMEDIATE";
+inline constexpr const char* BeginRead = "BEGIN";
 inline constexpr const char* Commit = "COMMIT";
 inline constexpr const char* Rollback = "ROLLBACK";
 inline constexpr const char* ReadSignature = "SELECT value FROM meta WHERE name='signature'";
@@ -74,8 +75,10 @@ inline constexpr const char* RemoveLock = "DELETE FROM locks WHERE n=?1 AND pid=
 inline constexpr const char* RemoveRecordLocks = "DELETE FROM locks WHERE n=?1";
 }  // namespace sql
 
-// Connection settings every connection to a file gets (WAL is set once, at creation).
-inline constexpr const char* ConnectionPragmas = "PRAGMA synchronous=NORMAL";
+// Connection settings every connection to a file gets (WAL is set once, at creation). Pages are
+// read through a memory map of the file, not copied in by a system call each (pages of the
+// write-ahead log still are).
+inline constexpr const char* ConnectionPragmas = "PRAGMA synchronous=NORMAL; PRAGMA mmap_size=1073741824";
 inline constexpr int BusyTimeoutMs = 10000;
 
 }  // namespace recman::sqlite
