@@ -88,30 +88,26 @@ void windowDelivered(Handle& h)
 
 bool scanning(Seek how, const CallArgs& a) { return (how == Seek::Next || how == Seek::Previous) && !a.locking(); }
 
-// Runs a seek, and for a locking read the lock check and grant, in one transaction when locking.
-// On success (or a partial read) the record is delivered; `found` stays valid for the caller.
+// Runs a seek, for a locking read with the lock check and grant in the same store call. On
+// success (or a partial read) the record is delivered; `found` stays valid for the caller.
 template <typename SeekFn>
 Status readOne(Handle& h, const CallArgs& a, Status notFound, SeekFn seek, FoundRecord& found, bool& delivered)
 {
     delivered = false;
     StoreFile& store = *h.file->store;
-    Transaction txn(store);
-    if (a.locking())
-        if (const Status s = txn.begin(); s != StatusOk)
-            return s;
-    if (const Status s = seek(found); s != StatusOk)
-        return s == StatusEndOfFile ? notFound : s;
-    if (a.locking())
-        if (const Status s = checkLockConflict(store, h, found.recno); s != StatusOk)
-            return s;
-    if (bufferRefused(store, a, found))
-        return StatusBufferTooShort;
     if (a.locking()) {
-        if (const Status s = grantLock(store, h, a, found.recno); s != StatusOk)
-            return s;
-        if (const Status s = txn.commit(); s != StatusOk)
-            return s;
+        // Every record is at least the fixed part long, so a buffer below it is refused whatever is found.
+        const LockAsk ask{h.owner, !a.multipleLock() && h.hasSingle ? h.singleLock : 0,
+                          a.dataSize() < store.spec().recordLength};
+        const Status s = store.readLocking(seek, ask, found);
+        if (s != StatusOk)
+            return s == StatusEndOfFile ? notFound : s;
         noteLock(h, a, found.recno);
+    } else {
+        if (const Status s = seek(found); s != StatusOk)
+            return s == StatusEndOfFile ? notFound : s;
+        if (bufferRefused(store, a, found))
+            return StatusBufferTooShort;
     }
     delivered = true;
     return deliver(h, a, found);
@@ -207,12 +203,7 @@ Status unlock(Handle& h, const CallArgs& a)
     if (a.keyNumber >= 0) {
         if (!h.hasSingle)
             return StatusLockError;
-        Transaction txn(store);
-        Status s = txn.begin();
-        if (s == StatusOk)
-            s = store.removeLock(h.singleLock, h.owner);
-        if (s == StatusOk)
-            s = txn.commit();
+        const Status s = store.unlockAll(h.owner, {h.singleLock});
         if (s == StatusOk)
             h.hasSingle = false;
         return s;
@@ -221,12 +212,7 @@ Status unlock(Handle& h, const CallArgs& a)
         return StatusBadUnlock;
     if (h.multipleLocks.empty())
         return StatusLockError;
-    Transaction txn(store);
-    Status s = txn.begin();
-    for (auto it = h.multipleLocks.begin(); s == StatusOk && it != h.multipleLocks.end(); ++it)
-        s = store.removeLock(*it, h.owner);
-    if (s == StatusOk)
-        s = txn.commit();
+    const Status s = store.unlockAll(h.owner, std::vector<int64_t>(h.multipleLocks.begin(), h.multipleLocks.end()));
     if (s == StatusOk)
         h.multipleLocks.clear();
     return s;

@@ -15,6 +15,7 @@
 #include "recman/FileSpec.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -82,6 +83,29 @@ struct RecordWrite {
     }
 };
 
+// An Update or Delete of the record a handle last read or wrote.
+struct WriteCheck {
+    int64_t recno = 0;
+    int64_t version = 0;     // the version the handle read or wrote
+    Owner owner;
+    bool holdsLock = false;  // the handle locks the record: a version changed since is no conflict
+    bool dropLock = false;   // Update: the handle's single lock on the record ends with it
+};
+
+// What a locking read asks for beside the record.
+struct LockAsk {
+    Owner owner;
+    int64_t replaces = 0;  // the handle's single lock the new one replaces (0: none)
+    bool refuse = false;   // the caller's buffer cannot take the record: once found and free, 22, no lock
+};
+
+class StoreFile;
+// A seek of the store, run inside a locking read.
+using SeekStep = std::function<Status(FoundRecord&)>;
+// The engine's part of a write, run inside it: fills the RecordWrite from what the write replaces
+// (the stored record of an Update, null for an Insert); a failing status ends the write unmade.
+using PrepareStep = std::function<Status(const FoundRecord* old)>;
+
 class StoreFile {
 public:
     virtual ~StoreFile() = default;
@@ -89,6 +113,26 @@ public:
     virtual const FileSpec& spec() const = 0;
     // Distinct autoincrement fields (offset, length) in the order autoValues lists them.
     virtual const std::vector<const SegmentSpec*>& autoFields() const = 0;
+
+    // The record operations, each sized as one call (one round trip on a server) and atomic.
+    // Defaults compose the finer calls below in one transaction (OpSupport.cpp).
+    //
+    // A locking Get or Step: the seek, then StatusRecordLocked when another live handle locks the
+    // record, then StatusBufferTooShort when `ask.refuse`, else the lock taken (and the replaced
+    // single lock released). StatusEndOfFile when the seek finds nothing.
+    virtual Status readLocking(const SeekStep& seek, const LockAsk& ask, FoundRecord& out);
+    // Insert: `prepare(nullptr)` fills `rec` (it may ask highestAutoValue and autoValueExists),
+    // then the record is stored.
+    virtual Status insertWhole(RecordWrite& rec, const PrepareStep& prepare, int64_t& recno, int64_t& version,
+                               int64_t& seq);
+    // Update: StatusRecordLocked, StatusConflict (record gone, or another version unless the
+    // handle locks it), then `prepare(stored)`, then the write with the next version.
+    virtual Status updateChecked(const WriteCheck& check, RecordWrite& rec, const PrepareStep& prepare,
+                                 int64_t& version, int64_t& seq);
+    // Delete, with Update's checks.
+    virtual Status deleteChecked(const WriteCheck& check);
+    // Releases the owner's locks on `recnos`.
+    virtual Status unlockAll(const Owner& owner, const std::vector<int64_t>& recnos);
 
     virtual Status begin() = 0;
     virtual Status commit() = 0;

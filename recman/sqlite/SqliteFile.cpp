@@ -63,7 +63,7 @@ Statement* SqliteFile::fixed(Fixed which)
     static const char* const texts[] = {
         sql::Begin, sql::BeginRead, sql::Commit, sql::Rollback, sql::Counters, sql::AppendCounter, sql::CountDelete, sql::GiveRank,
         sql::Opens, sql::AddOpen, sql::RemoveOpen, sql::RemoveOwnerLocks, sql::LockHolders, sql::AddLock,
-        sql::RemoveLock, sql::RemoveRecordLocks,
+        sql::RemoveLock, sql::RemoveRecordLocks, sql::RemoveChecked,
     };
     Statement& st = m_fixed[which];
     if (st.ready())
@@ -445,6 +445,38 @@ Status SqliteFile::deleteRecord(int64_t recno)
             return s;
     }
     return run(fixed(FCountDelete));
+}
+
+Status SqliteFile::deleteChecked(const WriteCheck& check)
+{
+    if (const Status s = begin(); s != StatusOk)
+        return s;
+    Status s = lockConflict(check.recno, check.owner);
+    const bool locked = !m_holders.empty();
+    if (s == StatusOk) {
+        Statement* st = fixed(FRemoveChecked);
+        if (st) {
+            st->bind(1, check.recno);
+            st->bind(2, check.version);
+            st->bind(3, check.holdsLock ? 1 : 0);
+        }
+        s = run(st);
+        if (s == StatusOk && sqlite3_changes(m_db) == 0)
+            s = StatusConflict;
+    }
+    if (s == StatusOk && locked) {
+        Statement* st = fixed(FRemoveRecordLocks);
+        if (st)
+            st->bind(1, check.recno);
+        s = run(st);
+    }
+    if (s == StatusOk)
+        s = run(fixed(FCountDelete));
+    if (s != StatusOk) {
+        rollback();
+        return s;
+    }
+    return commit();
 }
 
 Status SqliteFile::openHandles(std::vector<std::pair<Owner, bool>>& owners)

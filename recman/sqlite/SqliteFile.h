@@ -43,6 +43,9 @@ public:
     Status insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq) override;
     Status updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq) override;
     Status deleteRecord(int64_t recno) override;
+    // The version check is part of the delete, and the locks table is touched only when the
+    // record has a lock.
+    Status deleteChecked(const WriteCheck& check) override;
 
     Status registerHandle(const Owner& owner, bool exclusive) override;
     Status releaseHandle(const Owner& owner) override;
@@ -60,7 +63,7 @@ public:
 private:
     enum Fixed {
         FBegin, FBeginRead, FCommit, FRollback, FCounters, FAppendCounter, FCountDelete, FGiveRank, FOpens, FAddOpen,
-        FRemoveOpen, FRemoveOwnerLocks, FLockHolders, FAddLock, FRemoveLock, FRemoveRecordLocks,
+        FRemoveOpen, FRemoveOwnerLocks, FLockHolders, FAddLock, FRemoveLock, FRemoveRecordLocks, FRemoveChecked,
         FPhysFirst, FPhysLast, FPhysNext, FPhysPrev, FRead, FUpdate, FUpdateData, FRemove, FixedCount
     };
 

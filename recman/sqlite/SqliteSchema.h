@@ -73,6 +73,8 @@ inline constexpr const char* LockHolders = "SELECT pid, tok, h FROM locks WHERE 
 inline constexpr const char* AddLock = "INSERT OR IGNORE INTO locks(n, pid, tok, h) VALUES(?1, ?2, ?3, ?4)";
 inline constexpr const char* RemoveLock = "DELETE FROM locks WHERE n=?1 AND pid=?2 AND tok=?3 AND h=?4";
 inline constexpr const char* RemoveRecordLocks = "DELETE FROM locks WHERE n=?1";
+// Delete of record ?1 at version ?2, or at any version when ?3 is 1.
+inline constexpr const char* RemoveChecked = "DELETE FROM rec WHERE n=?1 AND v>0 AND (v=?2 OR ?3)";
 }  // namespace sql
 
 // Connection settings every connection to a file gets (WAL is set once, at creation). Pages are
