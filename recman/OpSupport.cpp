@@ -75,82 +75,78 @@ Status checkWrite(StoreFile& store, const WriteCheck& c, FoundRecord& found)
     return found.version != c.version && !c.holdsLock ? StatusConflict : StatusOk;
 }
 
+// Runs `body` in one transaction, committed when it succeeds.
+template <typename Body>
+Status inTransaction(StoreFile& store, Body body)
+{
+    ops::Transaction txn(store);
+    if (const Status s = txn.begin(); s != StatusOk)
+        return s;
+    if (const Status s = body(); s != StatusOk)
+        return s;
+    return txn.commit();
+}
+
 }  // namespace
 
 Status StoreFile::readLocking(const SeekStep& seek, const LockAsk& ask, FoundRecord& out)
 {
-    ops::Transaction txn(*this);
-    if (const Status s = txn.begin(); s != StatusOk)
-        return s;
-    if (const Status s = seek(out); s != StatusOk)
-        return s;
-    if (const Status s = lockConflict(out.recno, ask.owner); s != StatusOk)
-        return s;
-    if (ask.refuse)
-        return StatusBufferTooShort;
-    if (ask.replaces != 0 && ask.replaces != out.recno)
-        if (const Status s = removeLock(ask.replaces, ask.owner); s != StatusOk)
+    return inTransaction(*this, [&] {
+        if (const Status s = seek(out); s != StatusOk)
             return s;
-    if (const Status s = addLock(out.recno, ask.owner); s != StatusOk)
-        return s;
-    return txn.commit();
+        if (const Status s = lockConflict(out.recno, ask.owner); s != StatusOk)
+            return s;
+        if (ask.refuse)
+            return StatusBufferTooShort;
+        if (ask.replaces != 0 && ask.replaces != out.recno)
+            if (const Status s = removeLock(ask.replaces, ask.owner); s != StatusOk)
+                return s;
+        return addLock(out.recno, ask.owner);
+    });
 }
 
 Status StoreFile::insertWhole(RecordWrite& rec, const PrepareStep& prepare, int64_t& recno, int64_t& version,
                               int64_t& seq)
 {
-    ops::Transaction txn(*this);
-    if (const Status s = txn.begin(); s != StatusOk)
-        return s;
-    if (const Status s = prepare(nullptr); s != StatusOk)
-        return s;
-    if (const Status s = insertRecord(rec, recno, version, seq); s != StatusOk)
-        return s;
-    return txn.commit();
+    return inTransaction(*this, [&] {
+        const Status s = prepare(nullptr);
+        return s != StatusOk ? s : insertRecord(rec, recno, version, seq);
+    });
 }
 
 Status StoreFile::updateChecked(const WriteCheck& check, RecordWrite& rec, const PrepareStep& prepare,
                                 int64_t& version, int64_t& seq)
 {
-    ops::Transaction txn(*this);
-    if (const Status s = txn.begin(); s != StatusOk)
-        return s;
-    FoundRecord found;
-    if (const Status s = checkWrite(*this, check, found); s != StatusOk)
-        return s;
-    if (const Status s = prepare(&found); s != StatusOk)
-        return s;
-    version = found.version + 1;
-    if (const Status s = updateRecord(check.recno, version, rec, seq); s != StatusOk)
-        return s;
-    if (check.dropLock)
-        if (const Status s = removeLock(check.recno, check.owner); s != StatusOk)
+    return inTransaction(*this, [&] {
+        FoundRecord found;
+        if (const Status s = checkWrite(*this, check, found); s != StatusOk)
             return s;
-    return txn.commit();
+        if (const Status s = prepare(&found); s != StatusOk)
+            return s;
+        version = found.version + 1;
+        if (const Status s = updateRecord(check.recno, version, rec, seq); s != StatusOk)
+            return s;
+        return check.dropLock ? removeLock(check.recno, check.owner) : StatusOk;
+    });
 }
 
 Status StoreFile::deleteChecked(const WriteCheck& check)
 {
-    ops::Transaction txn(*this);
-    if (const Status s = txn.begin(); s != StatusOk)
-        return s;
-    FoundRecord found;
-    if (const Status s = checkWrite(*this, check, found); s != StatusOk)
-        return s;
-    if (const Status s = deleteRecord(check.recno); s != StatusOk)
-        return s;
-    return txn.commit();
+    return inTransaction(*this, [&] {
+        FoundRecord found;
+        const Status s = checkWrite(*this, check, found);
+        return s != StatusOk ? s : deleteRecord(check.recno);
+    });
 }
 
 Status StoreFile::unlockAll(const Owner& owner, const std::vector<int64_t>& recnos)
 {
-    ops::Transaction txn(*this);
-    if (const Status s = txn.begin(); s != StatusOk)
-        return s;
-    for (const int64_t recno : recnos)
-        if (const Status s = removeLock(recno, owner); s != StatusOk)
-            return s;
-    return txn.commit();
+    return inTransaction(*this, [&] {
+        for (const int64_t recno : recnos)
+            if (const Status s = removeLock(recno, owner); s != StatusOk)
+                return s;
+        return StatusOk;
+    });
 }
 
 }  // namespace recman
