@@ -219,8 +219,15 @@ void Engine::noteCall(SharedFile& file)
         static std::once_flag atfork;
         std::call_once(atfork, [] { pthread_atfork(forkPrepare, forkParent, forkChild); });
 #endif
-        std::thread(&Engine::releaseIdleFiles, this).detach();
-        m_releaserStarted = true;
+        try {
+            std::thread(&Engine::releaseIdleFiles, this).detach();
+            m_releaserStarted = true;
+        } catch (...) {
+            // No thread to let go of it later: the read ends with the call.
+            file.store->idle();
+            file.holding.store(false);
+            return;
+        }
     }
     m_idleWanted = true;
     m_idleWake.notify_one();

@@ -4,11 +4,15 @@
 // one machine, server sessions on a server). One StoreFile is one process's use of one file, shared
 // by that process's handles; its calls are serialised by the engine.
 //
-// Isolation: reads outside begin()/commit() each see the latest committed state. Writes, and the
-// check-then-act sequences of a locking read, an insert with autoincrement values and an update
-// or delete with its version check, run between begin() and commit(): begin() excludes every other
-// writer of the file until commit() or rollback(), so what a check saw still holds when the act
-// follows. A failing status inside means the caller calls rollback().
+// The engine asks for each record operation in one call sized by it (readLocking, insertWhole,
+// updateChecked, deleteChecked, unlockAll), atomic, and on a server one round trip where the
+// store can; plain reads are single seeks or runs of them.
+//
+// Isolation: reads outside begin()/commit() each see the latest committed state (a store may keep
+// one read open across calls only while its change mark says nothing was committed since). The
+// operation calls run their check-then-act sequences between begin() and commit(): begin()
+// excludes every other writer of the file until commit() or rollback(), so what a check saw still
+// holds when the act follows. A failing status inside means rollback().
 #pragma once
 
 #include "recman/Codes.h"
