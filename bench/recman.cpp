@@ -1,15 +1,28 @@
 // Record manager benchmark: the job item file's workload (606-byte records, a unique key of
-// zstring 5, zstring 26, unsigned 4, unsigned 4) through BTRCALL, and the same operations done
-// directly on SQLite with the store's schema, pragmas and key encoding: one autocommit
-// transaction and one index seek per call. Prints µs/op for both and their ratio.
+// zstring 5, zstring 26, unsigned 4, unsigned 4) through BTRCALL, against two independent designs
+// doing the same work in the same process and run, with the same order-preserving key encoding:
 //
-//   bench_recman [N]      (N records, 100000 by default)
+//   SQLite   records(rid INTEGER PRIMARY KEY, data BLOB) and key0(k BLOB PRIMARY KEY, rid) WITHOUT
+//            ROWID; WAL, synchronous=NORMAL; one prepared statement per step, each operation its
+//            own transaction (insert and delete: BEGIN IMMEDIATE, two statements, COMMIT).
+//   LMDB     one environment with databases records and key0; one write transaction per write,
+//            a read transaction renewed and reset around every read. MDB_NOSYNC: like the other
+//            two, a commit survives the process, not the machine.
+//   store schema  SQLite with the record manager's own schema and statements: what the engine
+//            adds above its own SQL.
+//
+// Update and delete first find the record by its key, on every side. Then, at a larger N, the
+// reads again, to show how their cost grows with the file. Prints µs/op, the ratios of BTRCALL to
+// the two references, and the process's peak memory.
+//
+//   bench_recman [N [BIG_N]]      (100000 and 1000000 by default; BIG_N 0 skips the second run)
 #include "recman/FileSpec.cpp"
 #include "recman/KeyCodec.cpp"
 #include "recman/sqlite/SqliteSchema.cpp"
 
 #include "BTRCALL.h"
 
+#include <lmdb.h>
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -18,10 +31,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -71,8 +87,6 @@ void makeRecord(uint32_t i, uint8_t* rec)
         rec[j] = uint8_t('a' + (i + j) % 26);
 }
 
-double micros(Clock::duration d, size_t n) { return std::chrono::duration<double, std::micro>(d).count() / double(n); }
-
 void check(bool ok, const char* what)
 {
     if (!ok) {
@@ -81,9 +95,46 @@ void check(bool ok, const char* what)
     }
 }
 
+const recman::FileSpec& jobSpec()
+{
+    static const recman::FileSpec spec = [] {
+        recman::FileSpec s;
+        std::vector<uint8_t> block = createBlock();
+        check(recman::FileSpec::parse(block.data(), uint32_t(block.size()), s) == recman::StatusOk, "spec");
+        return s;
+    }();
+    return spec;
+}
+
+// The encoded key-0 value of a record.
+void encodeKey(const uint8_t* rec, std::string& out)
+{
+    uint8_t value[kKeyWidth];
+    recman::KeyCodec::extractValue(jobSpec().keys[0], rec, value);
+    recman::KeyCodec::encode(jobSpec().keys[0], value, out);
+}
+
+// One design under test. A scan step i reads the first entry when i is 0, else the next one;
+// false at the end.
+struct Side {
+    virtual ~Side() = default;
+    virtual void insert(uint32_t i) = 0;
+    virtual void getEqual(uint32_t i) = 0;
+    virtual bool keyStep(size_t i) = 0;
+    virtual bool physicalStep(size_t i) = 0;
+    virtual void update(uint32_t i) = 0;
+    virtual void remove(uint32_t i) = 0;
+    // Fills the file with records 0..n-1 in `order`, untimed; the references batch their writes.
+    virtual void load(const std::vector<uint32_t>& order)
+    {
+        for (uint32_t i : order)
+            insert(i);
+    }
+};
+
 // ---- through BTRCALL ----
 
-struct EngineSide {
+struct EngineSide final : Side {
     char pos[128] = {};
     char key[255] = {};
     uint8_t rec[kRecordLength];
@@ -97,19 +148,19 @@ struct EngineSide {
         check(BTRCALL(Create, nullptr, block.data(), &n, key, 255, 0) == 0, "create");
         check(BTRCALL(Open, pos, nullptr, nullptr, key, 255, 0) == 0, "open");
     }
-    ~EngineSide() { BTRCALL(Close, pos, nullptr, nullptr, nullptr, 0, 0); }
+    ~EngineSide() override { BTRCALL(Close, pos, nullptr, nullptr, nullptr, 0, 0); }
 
     int16_t call(uint16_t op)
     {
         len = kRecordLength;
         return BTRCALL(op, pos, rec, &len, key, 255, 0);
     }
-    void insert(uint32_t i)
+    void insert(uint32_t i) override
     {
         makeRecord(i, rec);
         check(call(Insert) == 0, "engine insert");
     }
-    void getEqual(uint32_t i)
+    void getEqual(uint32_t i) override
     {
         makeRecord(i, rec);
         std::memcpy(key, rec, 5);
@@ -117,89 +168,362 @@ struct EngineSide {
         std::memcpy(key + 31, rec + 31, 8);
         check(call(GetEqual) == 0, "engine get equal");
     }
-    // The i-th call of a scan: the first record, then the next one.
-    void scanStep(size_t i, uint16_t first, uint16_t next) { check(call(i == 0 ? first : next) == 0, "engine scan"); }
-    int16_t after(uint16_t next) { return call(next); }
-    void update(uint32_t i)
+    bool step(size_t i, uint16_t first, uint16_t next)
+    {
+        const int16_t s = call(i == 0 ? first : next);
+        check(s == 0 || s == 9, "engine scan");
+        return s == 0;
+    }
+    bool keyStep(size_t i) override { return step(i, GetFirst, GetNext); }
+    bool physicalStep(size_t i) override { return step(i, StepFirst, StepNext); }
+    void update(uint32_t i) override
     {
         getEqual(i);
         rec[100] ^= 1;
         check(call(Update) == 0, "engine update");
     }
-    void remove(uint32_t i)
+    void remove(uint32_t i) override
     {
         getEqual(i);
         check(call(Delete) == 0, "engine delete");
     }
 };
 
-// ---- directly on SQLite ----
+// ---- SQLite helpers ----
 
-struct DirectSide {
+struct Db {
     sqlite3* db = nullptr;
-    recman::FileSpec spec;
-    recman::sqlite::SqlText sql;
-    sqlite3_stmt *seekEqual, *first, *next, *stepFirst, *stepNext, *counters, *insertRow, *updateRow, *deleteRow,
-        *countDelete, *begin, *commit;
-    uint8_t rec[kRecordLength];
-    uint8_t value[kKeyWidth];
-    std::string encoded, last;
-    int64_t lastRecno = 0;
+    std::vector<sqlite3_stmt*> statements;
 
+    Db(const std::string& path, const std::string& schema)
+    {
+        check(sqlite3_open(path.c_str(), &db) == SQLITE_OK, "sqlite open");
+        const std::string script = "PRAGMA journal_mode=WAL; BEGIN;" + schema + "COMMIT; PRAGMA synchronous=NORMAL;";
+        check(sqlite3_exec(db, script.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, "schema");
+        sqlite3_busy_timeout(db, recman::sqlite::BusyTimeoutMs);
+    }
+    ~Db()
+    {
+        for (sqlite3_stmt* st : statements)
+            sqlite3_finalize(st);
+        sqlite3_close(db);
+    }
     sqlite3_stmt* prepare(const std::string& text)
     {
         sqlite3_stmt* st = nullptr;
         check(sqlite3_prepare_v3(db, text.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &st, nullptr) == SQLITE_OK,
               text.c_str());
+        statements.push_back(st);
         return st;
     }
-
-    explicit DirectSide(const std::string& path)
-    {
-        std::vector<uint8_t> block = createBlock();
-        check(recman::FileSpec::parse(block.data(), uint32_t(block.size()), spec) == recman::StatusOk, "spec");
-        sql = recman::sqlite::SqlText::forSpec(spec);
-        check(sqlite3_open(path.c_str(), &db) == SQLITE_OK, "sqlite open");
-        std::string script = "PRAGMA journal_mode=WAL; BEGIN;";
-        for (const std::string& s : recman::sqlite::schemaStatements(spec))
-            script += s + ";";
-        script += "COMMIT;";
-        script += recman::sqlite::ConnectionPragmas;
-        check(sqlite3_exec(db, script.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, "schema");
-        sqlite3_busy_timeout(db, recman::sqlite::BusyTimeoutMs);
-        seekEqual = prepare(sql.seekKey[0][size_t(recman::Seek::Equal)]);
-        first = prepare(sql.seekKey[0][size_t(recman::Seek::First)]);
-        next = prepare(sql.seekKey[0][size_t(recman::Seek::Next)]);
-        stepFirst = prepare(sql.physicalFirst);
-        stepNext = prepare(sql.physicalNext);
-        counters = prepare(recman::sqlite::sql::CountInsert);
-        insertRow = prepare(sql.insert);
-        updateRow = prepare("UPDATE rec SET v=v+1, d=?2 WHERE n=?1");
-        deleteRow = prepare(sql.remove);
-        countDelete = prepare(recman::sqlite::sql::CountDelete);
-        begin = prepare(recman::sqlite::sql::Begin);
-        commit = prepare(recman::sqlite::sql::Commit);
-    }
-    ~DirectSide()
-    {
-        for (sqlite3_stmt* st : {seekEqual, first, next, stepFirst, stepNext, counters, insertRow, updateRow,
-                                 deleteRow, countDelete, begin, commit})
-            sqlite3_finalize(st);
-        sqlite3_close(db);
-    }
-
     static int run(sqlite3_stmt* st)
     {
         const int rc = sqlite3_step(st);
         sqlite3_reset(st);
         return rc;
     }
-    void encodeKey()
+    void exec(const char* text) { check(sqlite3_exec(db, text, nullptr, nullptr, nullptr) == SQLITE_OK, text); }
+};
+
+void bindBlob(sqlite3_stmt* st, int i, const void* p, size_t n)
+{
+    sqlite3_bind_blob(st, i, p, int(n), SQLITE_STATIC);
+}
+
+// ---- the minimal SQLite design ----
+
+struct SqliteSide final : Side {
+    Db d;
+    sqlite3_stmt *begin, *commit, *insertRecord, *insertKey, *seekEqual, *first, *next, *stepFirst, *stepNext,
+        *updateRecord, *deleteKey, *deleteRecord;
+    uint8_t rec[kRecordLength];
+    std::string encoded, last;
+    int64_t lastRid = 0;
+
+    explicit SqliteSide(const std::string& path)
+        : d(path, "CREATE TABLE records(rid INTEGER PRIMARY KEY, data BLOB);"
+                  "CREATE TABLE key0(k BLOB PRIMARY KEY, rid INTEGER) WITHOUT ROWID;")
     {
-        recman::KeyCodec::extractValue(spec.keys[0], rec, value);
-        recman::KeyCodec::encode(spec.keys[0], value, encoded);
+        const std::string join = "SELECT r.rid, r.data, k.k FROM key0 k JOIN records r ON r.rid=k.rid ";
+        begin = d.prepare("BEGIN IMMEDIATE");
+        commit = d.prepare("COMMIT");
+        insertRecord = d.prepare("INSERT INTO records(data) VALUES(?1)");
+        insertKey = d.prepare("INSERT INTO key0(k, rid) VALUES(?1, ?2)");
+        seekEqual = d.prepare(join + "WHERE k.k=?1");
+        first = d.prepare(join + "ORDER BY k.k LIMIT 1");
+        next = d.prepare(join + "WHERE k.k>?1 ORDER BY k.k LIMIT 1");
+        stepFirst = d.prepare("SELECT rid, data FROM records ORDER BY rid LIMIT 1");
+        stepNext = d.prepare("SELECT rid, data FROM records WHERE rid>?1 ORDER BY rid LIMIT 1");
+        updateRecord = d.prepare("UPDATE records SET data=?2 WHERE rid=?1");
+        deleteKey = d.prepare("DELETE FROM key0 WHERE k=?1");
+        deleteRecord = d.prepare("DELETE FROM records WHERE rid=?1");
     }
-    // Reads one row (n, v, d, k) into rec and remembers its key and number.
+
+    bool fetch(sqlite3_stmt* st, bool withKey)
+    {
+        const bool row = sqlite3_step(st) == SQLITE_ROW;
+        if (row) {
+            lastRid = sqlite3_column_int64(st, 0);
+            std::memcpy(rec, sqlite3_column_blob(st, 1), size_t(sqlite3_column_bytes(st, 1)));
+            if (withKey)
+                last.assign(static_cast<const char*>(sqlite3_column_blob(st, 2)), size_t(sqlite3_column_bytes(st, 2)));
+        }
+        sqlite3_reset(st);
+        return row;
+    }
+    void write(uint32_t i)
+    {
+        makeRecord(i, rec);
+        encodeKey(rec, encoded);
+        bindBlob(insertRecord, 1, rec, kRecordLength);
+        check(Db::run(insertRecord) == SQLITE_DONE, "insert record");
+        bindBlob(insertKey, 1, encoded.data(), encoded.size());
+        sqlite3_bind_int64(insertKey, 2, sqlite3_last_insert_rowid(d.db));
+        check(Db::run(insertKey) == SQLITE_DONE, "insert key");
+    }
+    void insert(uint32_t i) override
+    {
+        check(Db::run(begin) == SQLITE_DONE, "begin");
+        write(i);
+        check(Db::run(commit) == SQLITE_DONE, "commit");
+    }
+    void load(const std::vector<uint32_t>& order) override
+    {
+        for (size_t at = 0; at < order.size(); at += 10000) {
+            d.exec("BEGIN");
+            for (size_t i = at; i < std::min(order.size(), at + 10000); ++i)
+                write(order[i]);
+            d.exec("COMMIT");
+        }
+    }
+    void getEqual(uint32_t i) override
+    {
+        makeRecord(i, rec);
+        encodeKey(rec, encoded);
+        bindBlob(seekEqual, 1, encoded.data(), encoded.size());
+        check(fetch(seekEqual, true), "sqlite get equal");
+    }
+    bool keyStep(size_t i) override
+    {
+        if (i == 0)
+            return fetch(first, true);
+        sqlite3_bind_blob(next, 1, last.data(), int(last.size()), SQLITE_TRANSIENT);
+        return fetch(next, true);
+    }
+    bool physicalStep(size_t i) override
+    {
+        if (i == 0)
+            return fetch(stepFirst, false);
+        sqlite3_bind_int64(stepNext, 1, lastRid);
+        return fetch(stepNext, false);
+    }
+    void update(uint32_t i) override
+    {
+        getEqual(i);
+        rec[100] ^= 1;
+        sqlite3_bind_int64(updateRecord, 1, lastRid);
+        bindBlob(updateRecord, 2, rec, kRecordLength);
+        check(Db::run(updateRecord) == SQLITE_DONE, "update");
+    }
+    void remove(uint32_t i) override
+    {
+        getEqual(i);
+        check(Db::run(begin) == SQLITE_DONE, "begin");
+        bindBlob(deleteKey, 1, last.data(), last.size());
+        check(Db::run(deleteKey) == SQLITE_DONE, "delete key");
+        sqlite3_bind_int64(deleteRecord, 1, lastRid);
+        check(Db::run(deleteRecord) == SQLITE_DONE, "delete record");
+        check(Db::run(commit) == SQLITE_DONE, "commit");
+    }
+};
+
+// ---- LMDB ----
+
+struct LmdbSide final : Side {
+    MDB_env* env = nullptr;
+    MDB_dbi records = 0, key0 = 0;
+    MDB_txn* reader = nullptr;
+    MDB_cursor *keyCursor = nullptr, *recordCursor = nullptr;
+    uint8_t rec[kRecordLength];
+    std::string encoded, last;
+    uint64_t nextRid = 0, lastRid = 0;
+
+    explicit LmdbSide(const std::string& dir)
+    {
+        fs::create_directories(dir);
+        check(mdb_env_create(&env) == 0, "mdb env");
+        mdb_env_set_maxdbs(env, 2);
+        mdb_env_set_mapsize(env, size_t(16) << 30);
+        check(mdb_env_open(env, dir.c_str(), MDB_NOSYNC, 0644) == 0, "mdb open");
+        MDB_txn* txn = nullptr;
+        check(mdb_txn_begin(env, nullptr, 0, &txn) == 0, "mdb txn");
+        check(mdb_dbi_open(txn, "records", MDB_CREATE | MDB_INTEGERKEY, &records) == 0, "mdb records");
+        check(mdb_dbi_open(txn, "key0", MDB_CREATE, &key0) == 0, "mdb key0");
+        check(mdb_txn_commit(txn) == 0, "mdb commit");
+        check(mdb_txn_begin(env, nullptr, MDB_RDONLY, &reader) == 0, "mdb reader");
+        check(mdb_cursor_open(reader, key0, &keyCursor) == 0, "mdb cursor");
+        check(mdb_cursor_open(reader, records, &recordCursor) == 0, "mdb cursor");
+        mdb_txn_reset(reader);
+    }
+    ~LmdbSide() override
+    {
+        mdb_cursor_close(keyCursor);
+        mdb_cursor_close(recordCursor);
+        mdb_txn_abort(reader);
+        mdb_env_close(env);
+    }
+
+    static MDB_val val(const void* p, size_t n) { return MDB_val{n, const_cast<void*>(p)}; }
+
+    // Runs `read` in the renewed read transaction.
+    template <typename Fn>
+    bool reading(Fn read)
+    {
+        check(mdb_txn_renew(reader) == 0, "mdb renew");
+        mdb_cursor_renew(reader, keyCursor);
+        mdb_cursor_renew(reader, recordCursor);
+        const bool found = read();
+        mdb_txn_reset(reader);
+        return found;
+    }
+    bool record(MDB_txn* txn, uint64_t rid)
+    {
+        MDB_val k = val(&rid, sizeof rid), v;
+        if (mdb_get(txn, records, &k, &v) != 0)
+            return false;
+        std::memcpy(rec, v.mv_data, v.mv_size);
+        lastRid = rid;
+        return true;
+    }
+    void write(MDB_txn* txn, uint32_t i)
+    {
+        makeRecord(i, rec);
+        encodeKey(rec, encoded);
+        const uint64_t rid = ++nextRid;
+        MDB_val k = val(&rid, sizeof rid), v = val(rec, kRecordLength);
+        check(mdb_put(txn, records, &k, &v, MDB_APPEND) == 0, "mdb put record");
+        MDB_val kk = val(encoded.data(), encoded.size()), kv = val(&rid, sizeof rid);
+        check(mdb_put(txn, key0, &kk, &kv, MDB_NOOVERWRITE) == 0, "mdb put key");
+    }
+    template <typename Fn>
+    void writing(Fn fn)
+    {
+        MDB_txn* txn = nullptr;
+        check(mdb_txn_begin(env, nullptr, 0, &txn) == 0, "mdb write txn");
+        fn(txn);
+        check(mdb_txn_commit(txn) == 0, "mdb write commit");
+    }
+    void insert(uint32_t i) override
+    {
+        writing([&](MDB_txn* txn) { write(txn, i); });
+    }
+    void load(const std::vector<uint32_t>& order) override
+    {
+        for (size_t at = 0; at < order.size(); at += 10000)
+            writing([&](MDB_txn* txn) {
+                for (size_t i = at; i < std::min(order.size(), at + 10000); ++i)
+                    write(txn, order[i]);
+            });
+    }
+    bool keyFound(MDB_val& k, MDB_val& v)
+    {
+        last.assign(static_cast<const char*>(k.mv_data), k.mv_size);
+        uint64_t rid;
+        std::memcpy(&rid, v.mv_data, sizeof rid);
+        return record(reader, rid);
+    }
+    void getEqual(uint32_t i) override
+    {
+        makeRecord(i, rec);
+        encodeKey(rec, encoded);
+        check(reading([&] {
+                  MDB_val k = val(encoded.data(), encoded.size()), v;
+                  return mdb_get(reader, key0, &k, &v) == 0 && keyFound(k, v);
+              }),
+              "mdb get equal");
+    }
+    bool keyStep(size_t i) override
+    {
+        return reading([&] {
+            MDB_val k = val(last.data(), last.size()), v;
+            if (i == 0)
+                return mdb_cursor_get(keyCursor, &k, &v, MDB_FIRST) == 0 && keyFound(k, v);
+            if (mdb_cursor_get(keyCursor, &k, &v, MDB_SET_RANGE) != 0)
+                return false;
+            if (k.mv_size == last.size() && std::memcmp(k.mv_data, last.data(), last.size()) == 0 &&
+                mdb_cursor_get(keyCursor, &k, &v, MDB_NEXT) != 0)
+                return false;
+            return keyFound(k, v);
+        });
+    }
+    bool physicalStep(size_t i) override
+    {
+        return reading([&] {
+            uint64_t from = i == 0 ? 0 : lastRid + 1;
+            MDB_val k = val(&from, sizeof from), v;
+            if (mdb_cursor_get(recordCursor, &k, &v, MDB_SET_RANGE) != 0)
+                return false;
+            std::memcpy(&lastRid, k.mv_data, sizeof lastRid);
+            std::memcpy(rec, v.mv_data, v.mv_size);
+            return true;
+        });
+    }
+    void update(uint32_t i) override
+    {
+        getEqual(i);
+        rec[100] ^= 1;
+        writing([&](MDB_txn* txn) {
+            MDB_val k = val(&lastRid, sizeof lastRid), v = val(rec, kRecordLength);
+            check(mdb_put(txn, records, &k, &v, 0) == 0, "mdb update");
+        });
+    }
+    void remove(uint32_t i) override
+    {
+        getEqual(i);
+        writing([&](MDB_txn* txn) {
+            MDB_val kk = val(last.data(), last.size());
+            check(mdb_del(txn, key0, &kk, nullptr) == 0, "mdb delete key");
+            MDB_val k = val(&lastRid, sizeof lastRid);
+            check(mdb_del(txn, records, &k, nullptr) == 0, "mdb delete record");
+        });
+    }
+};
+
+// ---- SQLite with the store's own schema and statements ----
+
+struct StoreSchemaSide final : Side {
+    recman::sqlite::SqlText sql = recman::sqlite::SqlText::forSpec(jobSpec());
+    Db d;
+    sqlite3_stmt *seekEqual, *first, *next, *stepFirst, *stepNext, *insertRow, *updateRow, *deleteRow, *begin,
+        *commit, *countInsert, *countDelete;
+    uint8_t rec[kRecordLength];
+    std::string encoded, last;
+    int64_t lastRecno = 0, nextRecno = 0;
+
+    static std::string schema()
+    {
+        std::string script;
+        for (const std::string& s : recman::sqlite::schemaStatements(jobSpec()))
+            script += s + ";";
+        return script;
+    }
+
+    explicit StoreSchemaSide(const std::string& path) : d(path, schema())
+    {
+        seekEqual = d.prepare(sql.seekKey[0][size_t(recman::Seek::Equal)]);
+        first = d.prepare(sql.seekKey[0][size_t(recman::Seek::First)]);
+        next = d.prepare(sql.seekKey[0][size_t(recman::Seek::Next)]);
+        stepFirst = d.prepare(sql.physicalFirst);
+        stepNext = d.prepare(sql.physicalNext);
+        insertRow = d.prepare(sql.update);
+        updateRow = d.prepare(sql.updateData);
+        deleteRow = d.prepare(sql.remove);
+        begin = d.prepare(recman::sqlite::sql::Begin);
+        commit = d.prepare(recman::sqlite::sql::Commit);
+        countInsert = d.prepare(recman::sqlite::sql::AppendCounter);
+        countDelete = d.prepare(recman::sqlite::sql::CountDelete);
+    }
+
     bool fetch(sqlite3_stmt* st, bool withKey)
     {
         const bool row = sqlite3_step(st) == SQLITE_ROW;
@@ -212,82 +536,130 @@ struct DirectSide {
         sqlite3_reset(st);
         return row;
     }
-    void insert(uint32_t i)
+    void insert(uint32_t i) override
     {
         makeRecord(i, rec);
-        encodeKey();
-        check(run(begin) == SQLITE_DONE, "begin");
-        check(sqlite3_step(counters) == SQLITE_ROW, "counters");
-        const int64_t recno = sqlite3_column_int64(counters, 0);
-        sqlite3_reset(counters);
-        sqlite3_bind_int64(insertRow, 1, recno);
+        encodeKey(rec, encoded);
+        check(Db::run(begin) == SQLITE_DONE, "begin");
+        sqlite3_bind_int64(insertRow, 1, ++nextRecno);
         sqlite3_bind_int64(insertRow, 2, 1);
-        sqlite3_bind_blob(insertRow, 3, rec, kRecordLength, SQLITE_STATIC);
-        sqlite3_bind_blob(insertRow, 4, encoded.data(), int(encoded.size()), SQLITE_STATIC);
+        bindBlob(insertRow, 3, rec, kRecordLength);
+        bindBlob(insertRow, 4, encoded.data(), encoded.size());
         sqlite3_bind_int64(insertRow, 5, 0);
-        check(run(insertRow) == SQLITE_DONE, "insert");
-        check(run(commit) == SQLITE_DONE, "commit");
+        check(Db::run(insertRow) == SQLITE_DONE, "insert");
+        sqlite3_bind_int64(countInsert, 1, nextRecno + 1);
+        sqlite3_bind_int64(countInsert, 2, nextRecno);
+        check(Db::run(countInsert) == SQLITE_DONE, "count");
+        check(Db::run(commit) == SQLITE_DONE, "commit");
     }
-    void getEqual(uint32_t i)
+    void getEqual(uint32_t i) override
     {
         makeRecord(i, rec);
-        encodeKey();
-        sqlite3_bind_blob(seekEqual, 1, encoded.data(), int(encoded.size()), SQLITE_STATIC);
-        check(fetch(seekEqual, true), "direct get equal");
+        encodeKey(rec, encoded);
+        bindBlob(seekEqual, 1, encoded.data(), encoded.size());
+        check(fetch(seekEqual, true), "store schema get equal");
     }
-    bool keyStep(size_t i)
+    bool keyStep(size_t i) override
     {
         if (i == 0)
             return fetch(first, true);
         sqlite3_bind_blob(next, 1, last.data(), int(last.size()), SQLITE_TRANSIENT);
         return fetch(next, true);
     }
-    bool physicalStep(size_t i)
+    bool physicalStep(size_t i) override
     {
         if (i == 0)
             return fetch(stepFirst, false);
         sqlite3_bind_int64(stepNext, 1, lastRecno);
         return fetch(stepNext, false);
     }
-    void update(uint32_t i)
+    void update(uint32_t i) override
     {
         getEqual(i);
         rec[100] ^= 1;
         sqlite3_bind_int64(updateRow, 1, lastRecno);
-        sqlite3_bind_blob(updateRow, 2, rec, kRecordLength, SQLITE_STATIC);
-        check(run(updateRow) == SQLITE_DONE, "update");
+        sqlite3_bind_int64(updateRow, 2, 2);
+        bindBlob(updateRow, 3, rec, kRecordLength);
+        check(Db::run(updateRow) == SQLITE_DONE, "update");
     }
-    void remove(uint32_t i)
+    void remove(uint32_t i) override
     {
         getEqual(i);
-        check(run(begin) == SQLITE_DONE, "begin");
+        check(Db::run(begin) == SQLITE_DONE, "begin");
         sqlite3_bind_int64(deleteRow, 1, lastRecno);
-        check(run(deleteRow) == SQLITE_DONE, "delete");
-        check(run(countDelete) == SQLITE_DONE, "count");
-        check(run(commit) == SQLITE_DONE, "commit");
+        check(Db::run(deleteRow) == SQLITE_DONE, "delete");
+        check(Db::run(countDelete) == SQLITE_DONE, "count");
+        check(Db::run(commit) == SQLITE_DONE, "commit");
     }
 };
 
-// Runs op i of both sides for i = 0..n-1 in alternating chunks, so that both meet the same load
-// on a shared machine; returns the µs/op of each side.
-template <typename A, typename B>
-std::pair<double, double> interleaved(size_t n, A engineOp, B directOp)
+// Runs op i of every side for i = 0..n-1 in alternating chunks, so that all meet the same load on
+// a shared machine; returns the µs/op of each side.
+std::vector<double> interleaved(size_t n, const std::vector<Side*>& sides, const std::function<void(Side&, size_t)>& op)
 {
     constexpr size_t kChunk = 500;
-    Clock::duration engine{}, direct{};
+    std::vector<Clock::duration> spent(sides.size());
     for (size_t start = 0; start < n; start += kChunk) {
         const size_t end = std::min(n, start + kChunk);
-        auto t0 = Clock::now();
-        for (size_t i = start; i < end; ++i)
-            engineOp(i);
-        auto t1 = Clock::now();
-        for (size_t i = start; i < end; ++i)
-            directOp(i);
-        auto t2 = Clock::now();
-        engine += t1 - t0;
-        direct += t2 - t1;
+        for (size_t s = 0; s < sides.size(); ++s) {
+            const auto t0 = Clock::now();
+            for (size_t i = start; i < end; ++i)
+                op(*sides[s], i);
+            spent[s] += Clock::now() - t0;
+        }
     }
-    return {micros(engine, n), micros(direct, n)};
+    std::vector<double> us;
+    for (const auto& d : spent)
+        us.push_back(std::chrono::duration<double, std::micro>(d).count() / double(n));
+    return us;
+}
+
+struct Row {
+    std::string name;
+    std::vector<double> us;  // tarsel, SQLite, LMDB[, store schema]
+};
+
+void printRows(const char* title, const std::vector<Row>& rows)
+{
+    std::printf("%s\n", title);
+    std::printf("%-15s %9s %9s %9s %8s %8s %13s\n", "operation", "tarsel", "SQLite", "LMDB", "/SQLite", "/LMDB",
+                "store schema");
+    for (const Row& r : rows) {
+        std::printf("%-15s %9.2f %9.2f %9.2f %8.2f %8.2f", r.name.c_str(), r.us[0], r.us[1], r.us[2], r.us[0] / r.us[1],
+                    r.us[0] / r.us[2]);
+        if (r.us.size() > 3)
+            std::printf(" %13.2f", r.us[3]);
+        std::printf("\n");
+    }
+}
+
+double peakMegabytes()
+{
+    struct rusage u {};
+    getrusage(RUSAGE_SELF, &u);
+    return double(u.ru_maxrss) / 1024.0;
+}
+
+std::vector<uint32_t> shuffled(uint32_t n, std::mt19937& rng)
+{
+    std::vector<uint32_t> v(n);
+    for (uint32_t i = 0; i < n; ++i)
+        v[i] = i;
+    std::shuffle(v.begin(), v.end(), rng);
+    return v;
+}
+
+// The reads: get equal in random order, a whole key scan and a whole physical scan.
+void readRows(uint32_t n, const std::vector<Side*>& sides, const std::vector<uint32_t>& lookups, std::vector<Row>& rows)
+{
+    rows.push_back({"get equal", interleaved(n, sides, [&](Side& s, size_t i) { s.getEqual(lookups[i]); })});
+    rows.push_back({"get next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.keyStep(i), "key scan"); })});
+    for (Side* s : sides)
+        check(!s->keyStep(n), "end of the key scan");
+    rows.push_back(
+        {"step next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.physicalStep(i), "physical scan"); })});
+    for (Side* s : sides)
+        check(!s->physicalStep(n), "end of the physical scan");
 }
 
 }  // namespace
@@ -295,47 +667,52 @@ std::pair<double, double> interleaved(size_t n, A engineOp, B directOp)
 int main(int argc, char** argv)
 {
     const uint32_t n = argc > 1 ? uint32_t(std::strtoul(argv[1], nullptr, 10)) : 100000;
+    const uint32_t bigN = argc > 2 ? uint32_t(std::strtoul(argv[2], nullptr, 10)) : 1000000;
     check(n > 0, "N");
     const fs::path dir = fs::temp_directory_path() / ("bench_recman_" + std::to_string(::getpid()));
     fs::create_directories(dir);
-    std::vector<uint32_t> order(n);
-    for (uint32_t i = 0; i < n; ++i)
-        order[i] = i;
     std::mt19937 rng(7);
-    std::shuffle(order.begin(), order.end(), rng);
-    std::vector<uint32_t> lookups = order;
-    std::shuffle(lookups.begin(), lookups.end(), rng);
 
-    struct Row {
-        const char* name;
-        std::pair<double, double> us;
-    };
     std::vector<Row> rows;
     {
+        const std::vector<uint32_t> order = shuffled(n, rng);
+        std::vector<uint32_t> lookups = shuffled(n, rng);
         EngineSide e((dir / "engine.dat").string());
-        DirectSide d((dir / "direct.db").string());
-        rows.push_back({"insert", interleaved(n, [&](size_t i) { e.insert(order[i]); },
-                                              [&](size_t i) { d.insert(order[i]); })});
-        rows.push_back({"get equal", interleaved(n, [&](size_t i) { e.getEqual(lookups[i]); },
-                                                 [&](size_t i) { d.getEqual(lookups[i]); })});
-        rows.push_back({"get next scan", interleaved(n, [&](size_t i) { e.scanStep(i, GetFirst, GetNext); },
-                                                     [&](size_t i) { check(d.keyStep(i), "direct scan"); })});
-        check(e.after(GetNext) == 9 && !d.keyStep(n), "end of the key scan");
-        rows.push_back({"step next scan", interleaved(n, [&](size_t i) { e.scanStep(i, StepFirst, StepNext); },
-                                                      [&](size_t i) { check(d.physicalStep(i), "direct step"); })});
-        check(e.after(StepNext) == 9 && !d.physicalStep(n), "end of the physical scan");
+        SqliteSide q((dir / "sqlite.db").string());
+        LmdbSide l((dir / "lmdb").string());
+        StoreSchemaSide t((dir / "schema.db").string());
+        const std::vector<Side*> sides = {&e, &q, &l, &t};
+        rows.push_back({"insert", interleaved(n, sides, [&](Side& s, size_t i) { s.insert(order[i]); })});
+        readRows(n, sides, lookups, rows);
         std::shuffle(lookups.begin(), lookups.end(), rng);
-        rows.push_back({"update", interleaved(n, [&](size_t i) { e.update(lookups[i]); },
-                                              [&](size_t i) { d.update(lookups[i]); })});
+        rows.push_back({"update", interleaved(n, sides, [&](Side& s, size_t i) { s.update(lookups[i]); })});
         std::shuffle(lookups.begin(), lookups.end(), rng);
-        rows.push_back({"delete", interleaved(n, [&](size_t i) { e.remove(lookups[i]); },
-                                              [&](size_t i) { d.remove(lookups[i]); })});
+        rows.push_back({"delete", interleaved(n, sides, [&](Side& s, size_t i) { s.remove(lookups[i]); })});
+    }
+    char title[160];
+    std::snprintf(title, sizeof title, "N = %u records of %u bytes, %u-byte key; us/op", n, unsigned(kRecordLength),
+                  unsigned(kKeyWidth));
+    printRows(title, rows);
+    std::printf("peak memory %.1f MB\n", peakMegabytes());
+    std::fflush(stdout);
+
+    if (bigN > 0) {
+        std::vector<Row> big;
+        {
+            const std::vector<uint32_t> order = shuffled(bigN, rng);
+            const std::vector<uint32_t> lookups = shuffled(bigN, rng);
+            EngineSide e((dir / "engine-big.dat").string());
+            SqliteSide q((dir / "sqlite-big.db").string());
+            LmdbSide l((dir / "lmdb-big").string());
+            const std::vector<Side*> sides = {&e, &q, &l};
+            for (Side* s : sides)
+                s->load(order);
+            readRows(bigN, sides, lookups, big);
+        }
+        std::snprintf(title, sizeof title, "N = %u, reads only; us/op", bigN);
+        printRows(title, big);
+        std::printf("peak memory %.1f MB\n", peakMegabytes());
     }
     fs::remove_all(dir);
-
-    std::printf("N = %u records of %u bytes\n", n, unsigned(kRecordLength));
-    std::printf("%-16s %14s %14s %8s\n", "operation", "BTRCALL us/op", "SQLite us/op", "ratio");
-    for (const Row& r : rows)
-        std::printf("%-16s %14.2f %14.2f %8.2f\n", r.name, r.us.first, r.us.second, r.us.first / r.us.second);
     return 0;
 }

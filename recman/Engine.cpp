@@ -6,8 +6,14 @@
 #include "recman/RecordOps.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
+
+#if !defined(_WIN32)
+#include <pthread.h>
+#endif
 
 namespace recman {
 
@@ -36,6 +42,23 @@ std::string chosenServer()
     }
     return g_server;
 }
+
+// How long a file goes without a call before a read its store keeps open is let go of.
+constexpr int64_t IdleMs = 5;
+
+int64_t steadyMs()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+// Held by the idle releaser while it is inside a store, and by fork() around the fork: a child
+// never starts with a store call half done by a thread it does not have.
+std::mutex g_releasing;
+
+void forkPrepare() { g_releasing.lock(); }
+void forkParent() { g_releasing.unlock(); }
+void forkChild() { g_releasing.unlock(); }
 
 // Ends an Open's hold on the file, however the Open ends.
 struct EndOpen {
@@ -169,14 +192,82 @@ Status Engine::call(const CallArgs& a)
     std::lock_guard<std::mutex> lock(h->file->mutex);
     if (!h->open)
         return StatusNoHandle;
+    Status s;
     switch (a.op) {
-    case OpStat: return stat(*h, a);
-    case OpInsert: return ops::insert(*h, a);
-    case OpUpdate: return ops::update(*h, a);
-    case OpDelete: return ops::remove(*h, a);
-    case OpUnlock: return ops::unlock(*h, a);
-    case OpStepNext: case OpStepFirst: case OpStepLast: case OpStepPrevious: return ops::step(*h, a);
-    default: return ops::get(*h, a);
+    case OpStat: s = stat(*h, a); break;
+    case OpInsert: s = ops::insert(*h, a); break;
+    case OpUpdate: s = ops::update(*h, a); break;
+    case OpDelete: s = ops::remove(*h, a); break;
+    case OpUnlock: s = ops::unlock(*h, a); break;
+    case OpStepNext: case OpStepFirst: case OpStepLast: case OpStepPrevious: s = ops::step(*h, a); break;
+    default: s = ops::get(*h, a); break;
+    }
+    noteCall(*h->file);
+    return s;
+}
+
+void Engine::noteCall(SharedFile& file)
+{
+    if (!file.store->holdsRead())
+        return;
+    file.lastCall.store(steadyMs(), std::memory_order_relaxed);
+    if (file.holding.exchange(true))
+        return;
+    std::lock_guard<std::mutex> lock(m_idleMutex);
+    if (!m_releaserStarted) {
+#if !defined(_WIN32)
+        static std::once_flag atfork;
+        std::call_once(atfork, [] { pthread_atfork(forkPrepare, forkParent, forkChild); });
+#endif
+        try {
+            std::thread(&Engine::releaseIdleFiles, this).detach();
+            m_releaserStarted = true;
+        } catch (...) {
+            // No thread to let go of it later: the read ends with the call.
+            file.store->idle();
+            file.holding.store(false);
+            return;
+        }
+    }
+    m_idleWanted = true;
+    m_idleWake.notify_one();
+}
+
+void Engine::releaseIdleFiles()
+{
+    std::unique_lock<std::mutex> lock(m_idleMutex);
+    std::vector<std::shared_ptr<SharedFile>> files;
+    for (;;) {
+        m_idleWake.wait(lock, [this] { return m_idleWanted; });
+        m_idleWanted = false;
+        lock.unlock();
+        for (bool holding = true; holding;) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(IdleMs));
+            holding = false;
+            {
+                std::lock_guard<std::mutex> tables(m_mutex);
+                files.clear();
+                for (const auto& entry : m_files)
+                    files.push_back(entry.second);
+            }
+            for (const auto& f : files) {
+                if (!f->holding.load())
+                    continue;
+                if (steadyMs() - f->lastCall.load(std::memory_order_relaxed) < IdleMs || !f->mutex.try_lock()) {
+                    holding = true;
+                    continue;
+                }
+                {
+                    std::lock_guard<std::mutex> inside(g_releasing);
+                    if (f->store)
+                        f->store->idle();
+                }
+                f->holding.store(false);
+                f->mutex.unlock();
+            }
+            files.clear();
+        }
+        lock.lock();
     }
 }
 

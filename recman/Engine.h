@@ -10,6 +10,7 @@
 #include "recman/Platform.h"
 #include "recman/Store.h"
 
+#include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -49,6 +50,10 @@ private:
     std::shared_ptr<SharedFile> acquireFile(const std::string& key);
     void releaseFile(const std::string& key, const std::shared_ptr<SharedFile>& file);
     static void afterForkInChild();
+    // After a record operation: a store that keeps a read open between calls is let go of once
+    // the file has been idle for a moment, by a thread of the engine.
+    void noteCall(SharedFile& file);
+    void releaseIdleFiles();
 
     std::mutex m_mutex;  // guards the tables below, never held while waiting for a file
     std::unordered_map<uint64_t, std::shared_ptr<Handle>> m_handles;
@@ -62,6 +67,10 @@ private:
     std::string m_storeServer;  // the connection string m_store was made for
     std::vector<std::unique_ptr<Store>> m_retired;
     Engine* m_abandoned = nullptr;  // a parent's engine, kept reachable and untouched after fork
+    std::mutex m_idleMutex;  // guards the two flags below
+    std::condition_variable m_idleWake;
+    bool m_idleWanted = false;
+    bool m_releaserStarted = false;
 };
 
 // The path a key buffer carries: its first keyLength bytes (255 when 0) up to the first NUL.

@@ -4,6 +4,7 @@
 
 #include "recman/Store.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -19,9 +20,30 @@ struct SharedFile {
     std::unique_ptr<StoreFile> store;  // opened by the first handle
     bool writable = false;
     int refs = 0;                      // handles and opens under way; guarded by the engine's mutex
+    // The store keeps a read open since the call that ended at `lastCall` (steady ms); set and
+    // cleared under `mutex`, read by the engine's idle releaser.
+    std::atomic<bool> holding{false};
+    std::atomic<int64_t> lastCall{0};
 };
 
 enum class Logical { None, On, Broken };
+
+// Records read ahead for a handle's Next or Previous calls, valid while the file's change mark is
+// the one taken before they were read. `entries[next]` is what the seek from the position
+// (value, seq) of key `key`, or from record number `recno` when `physical`, finds.
+struct ReadWindow {
+    bool valid = false;
+    bool physical = false;
+    bool atEnd = false;  // nothing lies beyond the entries
+    int key = 0;
+    Seek how = Seek::Next;
+    ChangeMark mark;
+    std::string value;
+    int64_t seq = 0;
+    int64_t recno = 0;
+    size_t next = 0;
+    std::vector<RecordCopy> entries;
+};
 
 struct Handle {
     uint64_t number = 0;
@@ -50,6 +72,8 @@ struct Handle {
     bool hasSingle = false;
     int64_t singleLock = 0;
     std::set<int64_t> multipleLocks;
+
+    ReadWindow window;
 
     // Scratch buffers reused across calls.
     std::string scratch, search, oldRecord, oldValue;

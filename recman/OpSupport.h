@@ -36,13 +36,7 @@ private:
     bool m_open = false;
 };
 
-// StatusRecordLocked when a live handle other than `h` locks the record; clears locks and
-// registrations of owners that are gone.
-Status checkLockConflict(StoreFile& store, Handle& h, int64_t recno);
-
-// Takes the lock a read asked for (inside its transaction).
-Status grantLock(StoreFile& store, Handle& h, const CallArgs& a, int64_t recno);
-// Records a granted lock in the handle (after commit).
+// Records a granted lock in the handle.
 void noteLock(Handle& h, const CallArgs& a, int64_t recno);
 
 // StatusLockError when the lock asked for mixes single and multiple locks on the handle.

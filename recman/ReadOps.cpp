@@ -3,6 +3,7 @@
 #include "recman/OpSupport.h"
 #include "recman/RecordOps.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -31,30 +32,82 @@ bool keyedSearch(Seek s)
            s == Seek::LessOrEqual;
 }
 
-// Runs a seek, and for a locking read the lock check and grant, in one transaction when locking.
-// On success (or a partial read) the record is delivered; `found` stays valid for the caller.
+constexpr size_t FirstWindow = 4;
+constexpr size_t LargestWindow = 128;
+
+// What a non-locking Next or Previous finds, from the handle's read-ahead window while the file is
+// unchanged since the window was read and the seek starts where the window stands; otherwise a
+// new window is read, twice the last one when the handle went on reading it. A store that cannot
+// tell whether the file changed is asked every time.
+Status windowSeek(Handle& h, bool physical, int k, Seek how, const std::string& value, int64_t seq, int64_t recno,
+                  FoundRecord& out)
+{
+    StoreFile& store = *h.file->store;
+    ReadWindow& w = h.window;
+    ChangeMark mark;
+    if (!store.changeMark(mark)) {
+        w.valid = false;
+        return physical ? store.seekPhysical(how, recno, out) : store.seekKey(k, how, value, seq, out);
+    }
+    const bool here = w.valid && w.mark == mark && w.physical == physical && w.how == how &&
+                      (physical ? w.recno == recno : (w.key == k && w.seq == seq && w.value == value));
+    if (!here || (w.next == w.entries.size() && !w.atEnd)) {
+        const size_t size = here ? std::min(w.entries.size() * 2, LargestWindow) : FirstWindow;
+        w.valid = false;
+        const Status s = physical ? store.seekPhysicalRun(how, recno, size, w.entries)
+                                  : store.seekKeyRun(k, how, value, seq, size, w.entries);
+        if (s != StatusOk)
+            return s;
+        w.valid = true;
+        w.physical = physical;
+        w.atEnd = w.entries.size() < size;
+        w.key = k;
+        w.how = how;
+        w.mark = mark;
+        w.value = value;
+        w.seq = seq;
+        w.recno = recno;
+        w.next = 0;
+    }
+    if (w.next == w.entries.size())
+        return StatusEndOfFile;
+    const RecordCopy& e = w.entries[w.next];
+    out = FoundRecord{e.recno, e.version, e.seq, &e.data, physical ? nullptr : &e.keyValue};
+    return StatusOk;
+}
+
+// The window's record was delivered: the window goes on from it.
+void windowDelivered(Handle& h)
+{
+    ReadWindow& w = h.window;
+    const RecordCopy& e = w.entries[w.next++];
+    w.value = e.keyValue;
+    w.seq = e.seq;
+    w.recno = e.recno;
+}
+
+bool scanning(Seek how, const CallArgs& a) { return (how == Seek::Next || how == Seek::Previous) && !a.locking(); }
+
+// Runs a seek, for a locking read with the lock check and grant in the same store call. On
+// success (or a partial read) the record is delivered; `found` stays valid for the caller.
 template <typename SeekFn>
 Status readOne(Handle& h, const CallArgs& a, Status notFound, SeekFn seek, FoundRecord& found, bool& delivered)
 {
     delivered = false;
     StoreFile& store = *h.file->store;
-    Transaction txn(store);
-    if (a.locking())
-        if (const Status s = txn.begin(); s != StatusOk)
-            return s;
-    if (const Status s = seek(found); s != StatusOk)
-        return s == StatusEndOfFile ? notFound : s;
-    if (a.locking())
-        if (const Status s = checkLockConflict(store, h, found.recno); s != StatusOk)
-            return s;
-    if (bufferRefused(store, a, found))
-        return StatusBufferTooShort;
     if (a.locking()) {
-        if (const Status s = grantLock(store, h, a, found.recno); s != StatusOk)
-            return s;
-        if (const Status s = txn.commit(); s != StatusOk)
-            return s;
+        // Every record is at least the fixed part long, so a buffer below it is refused whatever is found.
+        const LockAsk ask{h.owner, !a.multipleLock() && h.hasSingle ? h.singleLock : 0,
+                          a.dataSize() < store.spec().recordLength};
+        const Status s = store.readLocking(seek, ask, found);
+        if (s != StatusOk)
+            return s == StatusEndOfFile ? notFound : s;
         noteLock(h, a, found.recno);
+    } else {
+        if (const Status s = seek(found); s != StatusOk)
+            return s == StatusEndOfFile ? notFound : s;
+        if (bufferRefused(store, a, found))
+            return StatusBufferTooShort;
     }
     delivered = true;
     return deliver(h, a, found);
@@ -70,10 +123,18 @@ Status stepOne(Handle& h, const CallArgs& a, Seek how)
     FoundRecord found;
     StoreFile& store = *h.file->store;
     bool delivered = false;
+    const bool windowed = scanning(how, a);
     const Status s = readOne(
-        h, a, StatusEndOfFile, [&](FoundRecord& f) { return store.seekPhysical(how, from, f); }, found, delivered);
-    if (delivered)
+        h, a, StatusEndOfFile,
+        [&](FoundRecord& f) {
+            return windowed ? windowSeek(h, true, 0, how, h.search, 0, from, f) : store.seekPhysical(how, from, f);
+        },
+        found, delivered);
+    if (delivered) {
         h.logical = Logical::None;
+        if (windowed && h.window.valid)
+            windowDelivered(h);
+    }
     return s;
 }
 
@@ -111,11 +172,18 @@ Status get(Handle& h, const CallArgs& a)
     FoundRecord found;
     const Status notFound = how == Seek::Equal ? StatusKeyNotFound : StatusEndOfFile;
     bool delivered = false;
+    const bool windowed = scanning(how, a);
     const Status s = readOne(
-        h, a, notFound, [&](FoundRecord& f) { return store.seekKey(k, how, *value, h.logicalSeq, f); }, found,
-        delivered);
+        h, a, notFound,
+        [&](FoundRecord& f) {
+            return windowed ? windowSeek(h, false, k, how, *value, h.logicalSeq, 0, f)
+                            : store.seekKey(k, how, *value, h.logicalSeq, f);
+        },
+        found, delivered);
     if (!delivered)
         return s;
+    if (windowed && h.window.valid)
+        windowDelivered(h);
     // Success or partial read: the key buffer gets the record's key value; currency moves to it.
     h.keyValue.resize(key.width);
     KeyCodec::extractValue(key, reinterpret_cast<const uint8_t*>(found.data->data()), h.keyValue.data());
@@ -135,12 +203,7 @@ Status unlock(Handle& h, const CallArgs& a)
     if (a.keyNumber >= 0) {
         if (!h.hasSingle)
             return StatusLockError;
-        Transaction txn(store);
-        Status s = txn.begin();
-        if (s == StatusOk)
-            s = store.removeLock(h.singleLock, h.owner);
-        if (s == StatusOk)
-            s = txn.commit();
+        const Status s = store.unlockAll(h.owner, {h.singleLock});
         if (s == StatusOk)
             h.hasSingle = false;
         return s;
@@ -149,12 +212,7 @@ Status unlock(Handle& h, const CallArgs& a)
         return StatusBadUnlock;
     if (h.multipleLocks.empty())
         return StatusLockError;
-    Transaction txn(store);
-    Status s = txn.begin();
-    for (auto it = h.multipleLocks.begin(); s == StatusOk && it != h.multipleLocks.end(); ++it)
-        s = store.removeLock(*it, h.owner);
-    if (s == StatusOk)
-        s = txn.commit();
+    const Status s = store.unlockAll(h.owner, std::vector<int64_t>(h.multipleLocks.begin(), h.multipleLocks.end()));
     if (s == StatusOk)
         h.multipleLocks.clear();
     return s;

@@ -88,20 +88,11 @@ Status checkKeyArgs(const FileSpec& spec, const CallArgs& a, bool needKeyBuffer)
     return StatusOk;
 }
 
-// Lock (84) and passive conflict (80) checks of Update and Delete; `found` gets the stored record.
-Status checkCurrent(Handle& h, FoundRecord& found)
+// The checks Update and Delete ask of the store for the handle's current record.
+WriteCheck checkOf(const Handle& h)
 {
-    StoreFile& store = *h.file->store;
-    if (const Status s = checkLockConflict(store, h, h.currentRecno); s != StatusOk)
-        return s;
-    const Status s = store.readRecord(h.currentRecno, found);
-    if (s == StatusEndOfFile)
-        return StatusConflict;
-    if (s != StatusOk)
-        return s;
-    if (found.version != h.currentVersion && !h.holdsLock(h.currentRecno))
-        return StatusConflict;
-    return StatusOk;
+    return WriteCheck{h.currentRecno, h.currentVersion, h.owner, h.holdsLock(h.currentRecno),
+                      h.hasSingle && h.singleLock == h.currentRecno};
 }
 
 }  // namespace
@@ -116,19 +107,20 @@ Status insert(Handle& h, const CallArgs& a)
         return s;
     if (const Status s = checkWriteLength(spec, a); s != StatusOk)
         return s;
-    Transaction txn(store);
-    if (const Status s = txn.begin(); s != StatusOk)
-        return s;
-    h.scratch.assign(reinterpret_cast<const char*>(a.data), a.dataSize());
-    if (const Status s = assignAutoValues(h, nullptr); s != StatusOk)
-        return s;
-    encodeKeys(h, spec);
-    h.write.data = reinterpret_cast<const uint8_t*>(h.scratch.data());
-    h.write.length = uint32_t(h.scratch.size());
     int64_t recno = 0, version = 0, seq = 0;
-    if (const Status s = store.insertRecord(h.write, recno, version, seq); s != StatusOk)
-        return s;
-    if (const Status s = txn.commit(); s != StatusOk)
+    const Status s = store.insertWhole(
+        h.write,
+        [&](const FoundRecord*) {
+            h.scratch.assign(reinterpret_cast<const char*>(a.data), a.dataSize());
+            if (const Status st = assignAutoValues(h, nullptr); st != StatusOk)
+                return st;
+            encodeKeys(h, spec);
+            h.write.data = reinterpret_cast<const uint8_t*>(h.scratch.data());
+            h.write.length = uint32_t(h.scratch.size());
+            return StatusOk;
+        },
+        recno, version, seq);
+    if (s != StatusOk)
         return s;
     returnKeyAndAutoValues(h, a, spec);
     h.hasCurrent = true;
@@ -158,50 +150,42 @@ Status update(Handle& h, const CallArgs& a)
         return StatusNoCurrency;
     if (const Status s = checkWriteLength(spec, a); s != StatusOk)
         return s;
-    Transaction txn(store);
-    if (const Status s = txn.begin(); s != StatusOk)
-        return s;
-    FoundRecord found;
-    if (const Status s = checkCurrent(h, found); s != StatusOk)
-        return s;
-    h.oldRecord = *found.data;
-    const auto* oldRec = reinterpret_cast<const uint8_t*>(h.oldRecord.data());
-    h.scratch.assign(reinterpret_cast<const char*>(a.data), a.dataSize());
-    // Autoincrement zeros are assigned first: the value they receive is the key's new value.
-    const Status autoStatus = assignAutoValues(h, oldRec);
-    if (autoStatus != StatusOk && autoStatus != StatusDuplicateKey)
-        return autoStatus;
-    encodeKeys(h, spec);
-    for (size_t i = 0; i < spec.keys.size(); ++i) {
-        const KeySpec& key = spec.keys[i];
-        h.oldKey.resize(key.width);
-        KeyCodec::extractValue(key, oldRec, h.oldKey.data());
-        const bool oldPresent = !KeyCodec::isNull(key, h.oldKey.data());
-        if (oldPresent)
-            KeyCodec::encode(key, h.oldKey.data(), h.oldValue);
-        const KeyEntry& now = h.write.keys[i];
-        const bool changed = oldPresent != now.present || (now.present && h.oldValue != now.value);
-        h.write.keyValueChanged[i] = changed;
-        if (changed && !key.modifiable)
-            return StatusKeyNotModifiable;
-    }
-    if (autoStatus != StatusOk)
-        return autoStatus;
-    h.write.data = reinterpret_cast<const uint8_t*>(h.scratch.data());
-    h.write.length = uint32_t(h.scratch.size());
-    int64_t seq = 0;
-    const int64_t version = found.version + 1;
-    if (const Status s = store.updateRecord(h.currentRecno, version, h.write, seq); s != StatusOk)
-        return s;
-    const bool releaseSingle = h.hasSingle && h.singleLock == h.currentRecno;
-    if (releaseSingle)
-        if (const Status s = store.removeLock(h.currentRecno, h.owner); s != StatusOk)
-            return s;
-    if (const Status s = txn.commit(); s != StatusOk)
+    const WriteCheck check = checkOf(h);
+    int64_t version = 0, seq = 0;
+    const Status s = store.updateChecked(
+        check, h.write,
+        [&](const FoundRecord* found) {
+            h.oldRecord = *found->data;
+            const auto* oldRec = reinterpret_cast<const uint8_t*>(h.oldRecord.data());
+            h.scratch.assign(reinterpret_cast<const char*>(a.data), a.dataSize());
+            // Autoincrement zeros are assigned first: the value they receive is the key's new value.
+            const Status autoStatus = assignAutoValues(h, oldRec);
+            if (autoStatus != StatusOk && autoStatus != StatusDuplicateKey)
+                return autoStatus;
+            encodeKeys(h, spec);
+            for (size_t i = 0; i < spec.keys.size(); ++i) {
+                const KeySpec& key = spec.keys[i];
+                h.oldKey.resize(key.width);
+                KeyCodec::extractValue(key, oldRec, h.oldKey.data());
+                const bool oldPresent = !KeyCodec::isNull(key, h.oldKey.data());
+                if (oldPresent)
+                    KeyCodec::encode(key, h.oldKey.data(), h.oldValue);
+                const KeyEntry& now = h.write.keys[i];
+                const bool changed = oldPresent != now.present || (now.present && h.oldValue != now.value);
+                h.write.keyValueChanged[i] = changed;
+                if (changed && !key.modifiable)
+                    return StatusKeyNotModifiable;
+            }
+            h.write.data = reinterpret_cast<const uint8_t*>(h.scratch.data());
+            h.write.length = uint32_t(h.scratch.size());
+            return autoStatus;
+        },
+        version, seq);
+    if (s != StatusOk)
         return s;
     returnKeyAndAutoValues(h, a, spec);
     h.currentVersion = version;
-    if (releaseSingle)
+    if (check.dropLock)
         h.hasSingle = false;
     if (h.logical != Logical::None && !spec.keys.empty()) {
         const size_t k = size_t(a.keyNumber);
@@ -229,15 +213,7 @@ Status remove(Handle& h, const CallArgs& a)
         return s;
     if (!h.hasCurrent)
         return StatusNoCurrency;
-    Transaction txn(store);
-    if (const Status s = txn.begin(); s != StatusOk)
-        return s;
-    FoundRecord found;
-    if (const Status s = checkCurrent(h, found); s != StatusOk)
-        return s;
-    if (const Status s = store.deleteRecord(h.currentRecno); s != StatusOk)
-        return s;
-    if (const Status s = txn.commit(); s != StatusOk)
+    if (const Status s = store.deleteChecked(checkOf(h)); s != StatusOk)
         return s;
     const int64_t recno = h.currentRecno;
     if (h.hasSingle && h.singleLock == recno)

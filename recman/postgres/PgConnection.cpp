@@ -103,7 +103,8 @@ Status Connection::run(const std::string& text, const Params& params, Result& ou
         return StatusStoreFailure;
     auto it = m_prepared.find(text);
     if (it == m_prepared.end()) {
-        const std::string name = "t" + std::to_string(m_prepared.size());
+        std::string name = "t";
+        name += std::to_string(m_prepared.size());
         Result prepared(PQprepare(m_conn, name.c_str(), text.c_str(), 0, nullptr));
         if (statusOf(prepared.raw()) != StatusOk)
             return StatusStoreFailure;

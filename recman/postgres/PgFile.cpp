@@ -34,7 +34,8 @@ PgFile::PgFile(std::shared_ptr<Connection> conn, int64_t id, FileSpec spec)
     : m_conn(std::move(conn)), m_id(id), m_spec(std::move(spec)), m_sql(sqlite::SqlText::forSpec(m_spec)),
       m_autoFields(sqlite::autoIncrementFields(m_spec))
 {
-    const std::string table = "r" + std::to_string(m_id);
+    std::string table = "r";
+    table += std::to_string(m_id);
     for (auto& seeks : m_sql.seekKey)
         for (std::string& t : seeks)
             convert(t, table);

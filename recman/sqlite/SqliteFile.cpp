@@ -2,7 +2,13 @@
 
 #include "recman/Platform.h"
 
+#include <atomic>
+
 namespace recman::sqlite {
+
+namespace {
+constexpr int WalIndexRegion = 32768;  // the size SQLite maps the shared index in
+}  // namespace
 
 bool ownerAlive(const Owner& owner, const ProcessMark& mark)
 {
@@ -21,16 +27,26 @@ SqliteFile::SqliteFile(sqlite3* db, FileSpec spec)
         m_seek.emplace_back(size_t(Seek::Previous) + 1);
     m_autoMax = std::vector<Statement>(m_autoFields.size());
     m_autoExists = std::vector<Statement>(m_autoFields.size());
+    // A run is its single seek with a limit of ?9.
+    const auto run = [](const std::string& single) { return single.substr(0, single.rfind("LIMIT 1")) + "LIMIT ?9"; };
+    for (size_t i = 0; i < m_spec.keys.size(); ++i)
+        for (Seek how : {Seek::Next, Seek::Previous})
+            m_runTexts.push_back(run(m_sql.seekKey[i][size_t(how)]));
+    m_runTexts.push_back(run(m_sql.physicalNext));
+    m_runTexts.push_back(run(m_sql.physicalPrevious));
+    m_runs = std::vector<Statement>(m_runTexts.size());
 }
 
 SqliteFile::~SqliteFile()
 {
     if (m_inTransaction)
         rollback();
+    endRead();
     // Statements first: the connection closes cleanly (and checkpoints) only without them.
     m_seek.clear();
     m_autoMax.clear();
     m_autoExists.clear();
+    m_runs.clear();
     m_fixed.reset();
     sqlite3_close_v2(m_db);
 }
@@ -45,9 +61,9 @@ Statement* SqliteFile::prepared(Statement& st, const std::string& text)
 Statement* SqliteFile::fixed(Fixed which)
 {
     static const char* const texts[] = {
-        sql::Begin, sql::Commit, sql::Rollback, sql::CountInsert, sql::CountDelete, sql::NextSeq, sql::Count,
+        sql::Begin, sql::BeginRead, sql::Commit, sql::Rollback, sql::Counters, sql::AppendCounter, sql::CountDelete, sql::GiveRank,
         sql::Opens, sql::AddOpen, sql::RemoveOpen, sql::RemoveOwnerLocks, sql::LockHolders, sql::AddLock,
-        sql::RemoveLock, sql::RemoveRecordLocks,
+        sql::RemoveLock, sql::RemoveRecordLocks, sql::RemoveChecked,
     };
     Statement& st = m_fixed[which];
     if (st.ready())
@@ -58,7 +74,6 @@ Statement* SqliteFile::fixed(Fixed which)
     case FPhysNext: return prepared(st, m_sql.physicalNext);
     case FPhysPrev: return prepared(st, m_sql.physicalPrevious);
     case FRead: return prepared(st, m_sql.readRecord);
-    case FInsert: return prepared(st, m_sql.insert);
     case FUpdate: return prepared(st, m_sql.update);
     case FUpdateData: return prepared(st, m_sql.updateData);
     case FRemove: return prepared(st, m_sql.remove);
@@ -82,8 +97,37 @@ Status SqliteFile::run(Statement* st)
     return rowStatus(rc);
 }
 
+Status SqliteFile::readCurrent()
+{
+    if (m_inTransaction)
+        return StatusOk;
+    ChangeMark now;
+    if (!changeMark(now)) {
+        endRead();
+        return StatusOk;
+    }
+    if (m_reading && now == m_readMark)
+        return StatusOk;
+    endRead();
+    // The read begins at the next statement, so it sees at least what the mark saw.
+    const Status s = run(fixed(FBeginRead));
+    m_reading = s == StatusOk;
+    m_readMark = now;
+    return s;
+}
+
+void SqliteFile::endRead()
+{
+    if (!m_reading)
+        return;
+    m_reading = false;
+    if (!sqlite3_get_autocommit(m_db) && run(fixed(FCommit)) != StatusOk)
+        run(fixed(FRollback));
+}
+
 Status SqliteFile::begin()
 {
+    endRead();
     const Status s = run(fixed(FBegin));
     m_inTransaction = s == StatusOk;
     return s;
@@ -113,8 +157,12 @@ Status SqliteFile::fetch(Statement* st, bool withKey, FoundRecord& out)
     const int rc = st->step();
     if (rc == SQLITE_DONE)
         return StatusEndOfFile;
-    if (rc != SQLITE_ROW)
-        return rowStatus(rc);
+    if (rc != SQLITE_ROW) {
+        const Status s = rowStatus(rc);
+        st->reset();
+        endRead();
+        return s;
+    }
     out.recno = st->integer(0);
     out.version = st->integer(1);
     st->blob(2, m_data);
@@ -131,6 +179,8 @@ Status SqliteFile::fetch(Statement* st, bool withKey, FoundRecord& out)
 
 Status SqliteFile::seekKey(int key, Seek how, const std::string& value, int64_t seq, FoundRecord& out)
 {
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
     Statement* st = prepared(m_seek[size_t(key)][size_t(how)], m_sql.seekKey[size_t(key)][size_t(how)]);
     if (st && how != Seek::First && how != Seek::Last) {
         st->bindBlob(1, value.data(), value.size());
@@ -142,6 +192,8 @@ Status SqliteFile::seekKey(int key, Seek how, const std::string& value, int64_t 
 
 Status SqliteFile::seekPhysical(Seek how, int64_t recno, FoundRecord& out)
 {
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
     Statement* st = nullptr;
     switch (how) {
     case Seek::First: st = fixed(FPhysFirst); break;
@@ -156,23 +208,122 @@ Status SqliteFile::seekPhysical(Seek how, int64_t recno, FoundRecord& out)
 
 Status SqliteFile::readRecord(int64_t recno, FoundRecord& out)
 {
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
     Statement* st = fixed(FRead);
     if (st)
         st->bind(1, recno);
     return fetch(st, false, out);
 }
 
-Status SqliteFile::recordCount(uint32_t& count)
+Status SqliteFile::fetchRun(Statement* st, bool withKey, size_t max, std::vector<RecordCopy>& out)
 {
-    Statement* st = fixed(FCount);
+    out.clear();
+    if (!st)
+        return rowStatus(sqlite3_errcode(m_db));
+    ResetOnExit r(*st);
+    st->bind(9, int64_t(max));
+    out.resize(max);
+    size_t n = 0;
+    int rc;
+    while (n < max && (rc = st->step()) == SQLITE_ROW) {
+        RecordCopy& c = out[n++];
+        c.recno = st->integer(0);
+        c.version = st->integer(1);
+        st->blob(2, c.data);
+        c.seq = withKey ? st->integer(4) : 0;
+        if (withKey)
+            st->blob(3, c.keyValue);
+        else
+            c.keyValue.clear();
+    }
+    out.resize(n);
+    if (n == max || rc == SQLITE_DONE)
+        return StatusOk;
+    const Status s = rowStatus(rc);
+    st->reset();
+    endRead();
+    return s;
+}
+
+Status SqliteFile::seekKeyRun(int key, Seek how, const std::string& value, int64_t seq, size_t max,
+                              std::vector<RecordCopy>& out)
+{
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
+    if (how != Seek::Next && how != Seek::Previous)
+        return StoreFile::seekKeyRun(key, how, value, seq, max, out);
+    const size_t at = size_t(key) * 2 + (how == Seek::Next ? 0 : 1);
+    Statement* st = prepared(m_runs[at], m_runTexts[at]);
+    if (st) {
+        st->bindBlob(1, value.data(), value.size());
+        if (m_spec.keys[size_t(key)].duplicates)
+            st->bind(2, seq);
+    }
+    return fetchRun(st, true, max, out);
+}
+
+Status SqliteFile::seekPhysicalRun(Seek how, int64_t recno, size_t max, std::vector<RecordCopy>& out)
+{
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
+    if (how != Seek::Next && how != Seek::Previous)
+        return StoreFile::seekPhysicalRun(how, recno, max, out);
+    const size_t at = m_spec.keys.size() * 2 + (how == Seek::Next ? 0 : 1);
+    Statement* st = prepared(m_runs[at], m_runTexts[at]);
+    if (st)
+        st->bind(1, recno);
+    return fetchRun(st, false, max, out);
+}
+
+bool SqliteFile::changeMark(ChangeMark& mark)
+{
+    // Region 0 of the log's shared index starts with the index header: two copies of 48 bytes,
+    // the first rewritten last by every commit (and by recovery). Mapped by SQLite's first read;
+    // asking the file for it again maps nothing new.
+    if (!m_walIndex && !m_walIndexTried) {
+        m_walIndexTried = true;
+        sqlite3_file* file = nullptr;
+        if (sqlite3_file_control(m_db, "main", SQLITE_FCNTL_FILE_POINTER, &file) == SQLITE_OK && file &&
+            file->pMethods && file->pMethods->iVersion >= 2 && file->pMethods->xShmMap) {
+            void volatile* region = nullptr;
+            if (file->pMethods->xShmMap(file, 0, WalIndexRegion, 0, &region) == SQLITE_OK)
+                m_walIndex = const_cast<const void*>(region);
+        }
+    }
+    if (!m_walIndex)
+        return false;
+    std::atomic_thread_fence(std::memory_order_acquire);
+    const auto* header = static_cast<const volatile uint64_t*>(m_walIndex);
+    for (size_t i = 0; i < 6; ++i)
+        mark.words[i] = header[i];
+    std::atomic_thread_fence(std::memory_order_acquire);
+    // isInit (byte 12) is set once the header is valid.
+    return (mark.words[1] >> 32 & 0xFF) == 1;
+}
+
+Status SqliteFile::counters(int64_t& count, int64_t& highest)
+{
+    Statement* st = fixed(FCounters);
     if (!st)
         return rowStatus(sqlite3_errcode(m_db));
     ResetOnExit r(*st);
     const int rc = st->step();
     if (rc != SQLITE_ROW)
         return rc == SQLITE_DONE ? StatusStoreFailure : rowStatus(rc);
-    count = uint32_t(st->integer(0));
+    highest = st->integer(0) - 1;
+    count = st->integer(1);
     return StatusOk;
+}
+
+Status SqliteFile::recordCount(uint32_t& count)
+{
+    if (const Status s = readCurrent(); s != StatusOk)
+        return s;
+    int64_t n = 0, highest = 0;
+    const Status s = counters(n, highest);
+    count = uint32_t(n);
+    return s;
 }
 
 Status SqliteFile::highestAutoValue(size_t field, int64_t& value)
@@ -226,25 +377,26 @@ void SqliteFile::bindRecord(Statement& st, const RecordWrite& rec, int64_t seq, 
 
 Status SqliteFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq)
 {
-    Statement* counters = fixed(FCountInsert);
-    if (!counters)
-        return rowStatus(sqlite3_errcode(m_db));
-    {
-        ResetOnExit r(*counters);
-        const int rc = counters->step();
-        if (rc != SQLITE_ROW)
-            return rowStatus(rc);
-        recno = counters->integer(0);
-        seq = counters->integer(1);
-    }
-    Statement* st = fixed(FInsert);
+    int64_t count = 0, highest = 0;
+    if (const Status s = counters(count, highest); s != StatusOk)
+        return s;
+    recno = seq = highest + 1;
+    version = 1;
+    // The counter row becomes the record; a new one goes behind it.
+    Statement* st = fixed(FUpdate);
     if (!st)
         return rowStatus(sqlite3_errcode(m_db));
-    version = 1;
     st->bind(1, recno);
     st->bind(2, version);
     bindRecord(*st, rec, seq, false);
-    return run(st);
+    if (const Status s = run(st); s != StatusOk)
+        return s;
+    Statement* counter = fixed(FAppendCounter);
+    if (counter) {
+        counter->bind(1, recno + 1);
+        counter->bind(2, count + 1);
+    }
+    return run(counter);
 }
 
 Status SqliteFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq)
@@ -263,14 +415,16 @@ Status SqliteFile::updateRecord(int64_t recno, int64_t newVersion, const RecordW
         return run(st);
     }
     if (needRank) {
-        Statement* counter = fixed(FNextSeq);
-        if (!counter)
-            return rowStatus(sqlite3_errcode(m_db));
-        ResetOnExit r(*counter);
-        const int rc = counter->step();
-        if (rc != SQLITE_ROW)
-            return rowStatus(rc);
-        seq = counter->integer(0);
+        int64_t count = 0;
+        if (const Status s = counters(count, seq); s != StatusOk)
+            return s;
+        Statement* given = fixed(FGiveRank);
+        if (given) {
+            given->bind(1, ++seq);
+            given->bind(2, seq + 1);
+        }
+        if (const Status s = run(given); s != StatusOk)
+            return s;
     }
     Statement* st = fixed(FUpdate);
     if (!st)
@@ -291,6 +445,38 @@ Status SqliteFile::deleteRecord(int64_t recno)
             return s;
     }
     return run(fixed(FCountDelete));
+}
+
+Status SqliteFile::deleteChecked(const WriteCheck& check)
+{
+    if (const Status s = begin(); s != StatusOk)
+        return s;
+    Status s = lockConflict(check.recno, check.owner);
+    const bool locked = !m_holders.empty();
+    if (s == StatusOk) {
+        Statement* st = fixed(FRemoveChecked);
+        if (st) {
+            st->bind(1, check.recno);
+            st->bind(2, check.version);
+            st->bind(3, check.holdsLock ? 1 : 0);
+        }
+        s = run(st);
+        if (s == StatusOk && sqlite3_changes(m_db) == 0)
+            s = StatusConflict;
+    }
+    if (s == StatusOk && locked) {
+        Statement* st = fixed(FRemoveRecordLocks);
+        if (st)
+            st->bind(1, check.recno);
+        s = run(st);
+    }
+    if (s == StatusOk)
+        s = run(fixed(FCountDelete));
+    if (s != StatusOk) {
+        rollback();
+        return s;
+    }
+    return commit();
 }
 
 Status SqliteFile::openHandles(std::vector<std::pair<Owner, bool>>& owners)

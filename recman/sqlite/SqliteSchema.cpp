@@ -24,18 +24,20 @@ std::vector<std::string> keySeeks(size_t i, bool duplicates)
 {
     const std::string k = col('k', i);
     const std::string s = col('s', i);
-    const std::string head = "SELECT n, v, d, " + k + ", " + s + " FROM rec WHERE ";
+    const std::string all = "SELECT n, v, d, " + k + ", " + s + " FROM rec WHERE " + k + " IS NOT NULL";
+    const std::string head = all + " AND ";
     const std::string up = duplicates ? " ORDER BY " + k + ", " + s + " LIMIT 1" : " ORDER BY " + k + " LIMIT 1";
     const std::string down =
         duplicates ? " ORDER BY " + k + " DESC, " + s + " DESC LIMIT 1" : " ORDER BY " + k + " DESC LIMIT 1";
     std::vector<std::string> v(size_t(Seek::Previous) + 1);
-    v[size_t(Seek::Equal)] = head + k + "=?1" + up;
+    // One row at most for a unique key: no order to ask for.
+    v[size_t(Seek::Equal)] = head + k + "=?1" + (duplicates ? " ORDER BY " + s + " LIMIT 1" : std::string(" LIMIT 1"));
     v[size_t(Seek::Greater)] = head + k + ">?1" + up;
     v[size_t(Seek::GreaterOrEqual)] = head + k + ">=?1" + up;
     v[size_t(Seek::Less)] = head + k + "<?1" + down;
     v[size_t(Seek::LessOrEqual)] = head + k + "<=?1" + down;
-    v[size_t(Seek::First)] = head + k + " IS NOT NULL" + up;
-    v[size_t(Seek::Last)] = head + k + " IS NOT NULL" + down;
+    v[size_t(Seek::First)] = all + up;
+    v[size_t(Seek::Last)] = all + down;
     if (duplicates) {
         v[size_t(Seek::Next)] = head + "(" + k + ", " + s + ")>(?1, ?2)" + up;
         v[size_t(Seek::Previous)] = head + "(" + k + ", " + s + ")<(?1, ?2)" + down;
@@ -76,10 +78,8 @@ std::vector<std::string> schemaStatements(const FileSpec& spec)
 
     std::vector<std::string> out = {
         "CREATE TABLE meta(name TEXT PRIMARY KEY, value BLOB NOT NULL)",
-        "CREATE TABLE state(id INTEGER PRIMARY KEY, count INTEGER NOT NULL, nextrec INTEGER NOT NULL, "
-        "seq INTEGER NOT NULL)",
-        "INSERT INTO state VALUES(1, 0, 0, 0)",
         rec,
+        "INSERT INTO rec(n, v, d) VALUES(1, 0, 0)",
         "CREATE TABLE opens(pid INTEGER, tok INTEGER, h INTEGER, excl INTEGER, PRIMARY KEY(pid, tok, h)) "
         "WITHOUT ROWID",
         "CREATE TABLE locks(n INTEGER, pid INTEGER, tok INTEGER, h INTEGER, PRIMARY KEY(n, pid, tok, h)) "
@@ -90,10 +90,12 @@ std::vector<std::string> schemaStatements(const FileSpec& spec)
     for (size_t i = 0; i < spec.keys.size(); ++i) {
         const bool dup = spec.keys[i].duplicates;
         out.push_back(std::string(dup ? "CREATE INDEX " : "CREATE UNIQUE INDEX ") + col('x', i) + " ON rec(" +
-                      col('k', i) + (dup ? ", " + col('s', i) : std::string()) + ")");
+                      col('k', i) + (dup ? ", " + col('s', i) : std::string()) + ") WHERE " + col('k', i) +
+                      " IS NOT NULL");
     }
     for (size_t j = 0; j < autos; ++j)
-        out.push_back("CREATE INDEX " + col('y', j) + " ON rec(" + col('a', j) + ")");
+        out.push_back("CREATE INDEX " + col('y', j) + " ON rec(" + col('a', j) + ") WHERE " + col('a', j) +
+                      " IS NOT NULL");
     return out;
 }
 
@@ -104,11 +106,11 @@ SqlText SqlText::forSpec(const FileSpec& spec)
     const size_t autos = autoIncrementFields(spec).size();
     for (size_t i = 0; i < keys; ++i)
         t.seekKey.push_back(keySeeks(i, spec.keys[i].duplicates));
-    t.physicalFirst = "SELECT n, v, d FROM rec ORDER BY n LIMIT 1";
-    t.physicalLast = "SELECT n, v, d FROM rec ORDER BY n DESC LIMIT 1";
-    t.physicalNext = "SELECT n, v, d FROM rec WHERE n>?1 ORDER BY n LIMIT 1";
-    t.physicalPrevious = "SELECT n, v, d FROM rec WHERE n<?1 ORDER BY n DESC LIMIT 1";
-    t.readRecord = "SELECT n, v, d FROM rec WHERE n=?1";
+    t.physicalFirst = "SELECT n, v, d FROM rec WHERE v>0 ORDER BY n LIMIT 1";
+    t.physicalLast = "SELECT n, v, d FROM rec WHERE v>0 ORDER BY n DESC LIMIT 1";
+    t.physicalNext = "SELECT n, v, d FROM rec WHERE n>?1 AND v>0 ORDER BY n LIMIT 1";
+    t.physicalPrevious = "SELECT n, v, d FROM rec WHERE n<?1 AND v>0 ORDER BY n DESC LIMIT 1";
+    t.readRecord = "SELECT n, v, d FROM rec WHERE n=?1 AND v>0";
 
     std::string cols = "n, v, d";
     std::string params = "?1, ?2, ?3";
@@ -127,7 +129,7 @@ SqlText SqlText::forSpec(const FileSpec& spec)
         params += ", ?" + std::to_string(p);
         sets += ", " + a + "=?" + std::to_string(p);
         ++p;
-        t.autoMax.push_back("SELECT max(" + a + ") FROM rec");
+        t.autoMax.push_back("SELECT max(" + a + ") FROM rec WHERE " + a + " IS NOT NULL");
         t.autoExists.push_back("SELECT 1 FROM rec WHERE " + a + "=?1 LIMIT 1");
     }
     t.insert = "INSERT INTO rec(" + cols + ") VALUES(" + params + ")";
