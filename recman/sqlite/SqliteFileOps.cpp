@@ -17,11 +17,13 @@ namespace recman::sqlite {
 namespace {
 
 // The statements of a check and a copy that the schema header does not give: they name the
-// tables and columns SqliteSchema.h describes (state's count and nextrec, rec's k/s/a columns,
-// the opens and locks tables).
+// tables and columns SqliteSchema.h describes (rec's counter row, v=0: n the next number to give,
+// d the kept count; rec's k/s/a columns; the opens and locks tables).
 namespace text {
-constexpr const char* Counters = "SELECT count, nextrec FROM state WHERE id=1";
-constexpr const char* SetCounters = "UPDATE state SET count=?1, nextrec=?2 WHERE id=1";
+constexpr const char* Counters = "SELECT d, n - 1 FROM rec WHERE v=0";
+// Never lowers the next number: duplicate ranks are given from it too.
+constexpr const char* SetCounters = "UPDATE rec SET d=?1, n=max(n, ?2 + 1) WHERE v=0";
+constexpr const char* TakeRank = "UPDATE rec SET n=n+1 WHERE v=0 RETURNING n - 1";
 constexpr const char* ForgetHandles = "DELETE FROM opens; DELETE FROM locks";
 std::string walk(const FileSpec& spec, size_t autos)
 {
@@ -30,7 +32,7 @@ std::string walk(const FileSpec& spec, size_t autos)
         t += ", k" + std::to_string(i);
     for (size_t j = 0; j < autos; ++j)
         t += ", a" + std::to_string(j);
-    return t + " FROM rec ORDER BY n";
+    return t + " FROM rec WHERE v>0 ORDER BY n";
 }
 std::string setKey(size_t key) { return "UPDATE rec SET k" + std::to_string(key) + "=?1, s" + std::to_string(key) + "=?2 WHERE n=?3"; }
 std::string setAuto(size_t field) { return "UPDATE rec SET a" + std::to_string(field) + "=?1 WHERE n=?2"; }
@@ -138,7 +140,7 @@ public:
         int64_t rank = 0;
         if (entry && m_spec.keys[key].duplicates) {
             Statement seq;
-            int rc = seq.prepare(m_db, sql::NextSeq);
+            int rc = seq.prepare(m_db, text::TakeRank);
             if (rc == SQLITE_OK)
                 rc = seq.step();
             if (rc != SQLITE_ROW)

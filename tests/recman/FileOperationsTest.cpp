@@ -91,7 +91,7 @@ TEST_F(WholeFile, CheckFindsStaleCountsAndEntriesAndRepairFixesThem) {
     EXPECT_EQ(4u, result.records);
     EXPECT_TRUE(result.findings.empty()) << result.findings.front();
 
-    tamper(p, "UPDATE state SET count=count+5", "UPDATE tarsel_files SET count=count+5 WHERE id=%I");
+    tamper(p, "UPDATE rec SET d=d+5 WHERE v=0", "UPDATE tarsel_files SET count=count+5 WHERE id=%I");
     tamper(p, "UPDATE rec SET k1=NULL WHERE n=3", "UPDATE %T SET k1=NULL WHERE n=3");
     ASSERT_EQ(kREFileOpOk, RECheckRecordFile(p, false, result));
     EXPECT_EQ(9, result.keptCount);

@@ -114,7 +114,7 @@ TEST_F(CopyCheck, CheckFindsAStaleCountAndRepairMendsIt) {
     } else {
         sqlite3* db = nullptr;
         ASSERT_EQ(SQLITE_OK, sqlite3_open(path.c_str(), &db));
-        ASSERT_EQ(SQLITE_OK, sqlite3_exec(db, "UPDATE state SET count=7", nullptr, nullptr, nullptr));
+        ASSERT_EQ(SQLITE_OK, sqlite3_exec(db, "UPDATE rec SET d=7 WHERE v=0", nullptr, nullptr, nullptr));
         sqlite3_close(db);
     }
 
