@@ -19,6 +19,7 @@
 #include "recman/FileSpec.h"
 #include "recman/Store.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -79,8 +80,13 @@ inline constexpr const char* RemoveChecked = "DELETE FROM rec WHERE n=?1 AND v>0
 
 // Connection settings every connection to a file gets (WAL is set once, at creation). Pages are
 // read through a memory map of the file, not copied in by a system call each (pages of the
-// write-ahead log still are).
+// write-ahead log still are). A 32-bit process maps less: its whole address space is 4 GB, shared
+// by every file it has open.
+#if UINTPTR_MAX > 0xFFFFFFFFu
 inline constexpr const char* ConnectionPragmas = "PRAGMA synchronous=NORMAL; PRAGMA mmap_size=1073741824";
+#else
+inline constexpr const char* ConnectionPragmas = "PRAGMA synchronous=NORMAL; PRAGMA mmap_size=134217728";
+#endif
 inline constexpr int BusyTimeoutMs = 10000;
 
 }  // namespace recman::sqlite
