@@ -1,19 +1,23 @@
 // The record manager benchmarks' workload: the job item file (606-byte records, a unique key of
-// zstring 5, zstring 26, unsigned 4, unsigned 4) through BTRCALL, and the harness that times it
-// side by side with a reference.
+// zstring 5, zstring 26, unsigned 4, unsigned 4) through BTRCALL, the interface every design under
+// test offers, and the harness that times the designs side by side in one run.
+//
+// A benchmark compiles the record manager's key codec into itself (it includes recman/FileSpec.cpp
+// and recman/KeyCodec.cpp before this header) to encode keys exactly as the store does.
 #pragma once
 
 #include "BTRCALL.h"
 #include "recman/FileSpec.h"
+#include "recman/KeyCodec.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace bench {
@@ -28,15 +32,6 @@ enum BenchOp : uint16_t {
     Create = 14, StepNext = 24, StepFirst = 33,
 };
 
-inline void check(bool ok, const char* what)
-{
-    if (!ok) {
-        std::fprintf(stderr, "benchmark: %s failed\n", what);
-        std::exit(1);
-    }
-}
-
-// The job item file's creation block.
 inline std::vector<uint8_t> createBlock()
 {
     std::vector<uint8_t> b(16 + 4 * 16, 0);
@@ -59,14 +54,6 @@ inline std::vector<uint8_t> createBlock()
     return b;
 }
 
-inline recman::FileSpec jobItemSpec()
-{
-    std::vector<uint8_t> block = createBlock();
-    recman::FileSpec spec;
-    check(recman::FileSpec::parse(block.data(), uint32_t(block.size()), spec) == recman::StatusOk, "spec");
-    return spec;
-}
-
 inline void makeRecord(uint32_t i, uint8_t* rec)
 {
     std::memset(rec, 0, kRecordLength);
@@ -79,13 +66,52 @@ inline void makeRecord(uint32_t i, uint8_t* rec)
         rec[j] = uint8_t('a' + (i + j) % 26);
 }
 
-inline double micros(Clock::duration d, size_t n)
+inline void check(bool ok, const char* what)
 {
-    return std::chrono::duration<double, std::micro>(d).count() / double(n);
+    if (!ok) {
+        std::fprintf(stderr, "benchmark: %s failed\n", what);
+        std::exit(1);
+    }
 }
 
-// The workload through BTRCALL: one file of the job item layout, created anew and opened.
-struct EngineSide {
+inline const recman::FileSpec& jobSpec()
+{
+    static const recman::FileSpec spec = [] {
+        recman::FileSpec s;
+        std::vector<uint8_t> block = createBlock();
+        check(recman::FileSpec::parse(block.data(), uint32_t(block.size()), s) == recman::StatusOk, "spec");
+        return s;
+    }();
+    return spec;
+}
+
+// The encoded key-0 value of a record.
+inline void encodeKey(const uint8_t* rec, std::string& out)
+{
+    uint8_t value[kKeyWidth];
+    recman::KeyCodec::extractValue(jobSpec().keys[0], rec, value);
+    recman::KeyCodec::encode(jobSpec().keys[0], value, out);
+}
+
+// One design under test. A scan step i reads the first entry when i is 0, else the next one;
+// false at the end.
+struct Side {
+    virtual ~Side() = default;
+    virtual void insert(uint32_t i) = 0;
+    virtual void getEqual(uint32_t i) = 0;
+    virtual bool keyStep(size_t i) = 0;
+    virtual bool physicalStep(size_t i) = 0;
+    virtual void update(uint32_t i) = 0;
+    virtual void remove(uint32_t i) = 0;
+    // Fills the file with records 0..n-1 in `order`, untimed; the references batch their writes.
+    virtual void load(const std::vector<uint32_t>& order)
+    {
+        for (uint32_t i : order)
+            insert(i);
+    }
+};
+
+struct EngineSide final : Side {
     char pos[128] = {};
     char key[255] = {};
     uint8_t rec[kRecordLength];
@@ -99,19 +125,19 @@ struct EngineSide {
         check(BTRCALL(Create, nullptr, block.data(), &n, key, 255, 0) == 0, "create");
         check(BTRCALL(Open, pos, nullptr, nullptr, key, 255, 0) == 0, "open");
     }
-    ~EngineSide() { BTRCALL(Close, pos, nullptr, nullptr, nullptr, 0, 0); }
+    ~EngineSide() override { BTRCALL(Close, pos, nullptr, nullptr, nullptr, 0, 0); }
 
     int16_t call(uint16_t op)
     {
         len = kRecordLength;
         return BTRCALL(op, pos, rec, &len, key, 255, 0);
     }
-    void insert(uint32_t i)
+    void insert(uint32_t i) override
     {
         makeRecord(i, rec);
         check(call(Insert) == 0, "engine insert");
     }
-    void getEqual(uint32_t i)
+    void getEqual(uint32_t i) override
     {
         makeRecord(i, rec);
         std::memcpy(key, rec, 5);
@@ -119,70 +145,55 @@ struct EngineSide {
         std::memcpy(key + 31, rec + 31, 8);
         check(call(GetEqual) == 0, "engine get equal");
     }
-    // The i-th call of a scan: the first record, then the next one.
-    void scanStep(size_t i, uint16_t first, uint16_t next) { check(call(i == 0 ? first : next) == 0, "engine scan"); }
-    int16_t after(uint16_t next) { return call(next); }
-    void update(uint32_t i)
+    bool step(size_t i, uint16_t first, uint16_t next)
+    {
+        const int16_t s = call(i == 0 ? first : next);
+        check(s == 0 || s == 9, "engine scan");
+        return s == 0;
+    }
+    bool keyStep(size_t i) override { return step(i, GetFirst, GetNext); }
+    bool physicalStep(size_t i) override { return step(i, StepFirst, StepNext); }
+    void update(uint32_t i) override
     {
         getEqual(i);
         rec[100] ^= 1;
         check(call(Update) == 0, "engine update");
     }
-    void remove(uint32_t i)
+    void remove(uint32_t i) override
     {
         getEqual(i);
         check(call(Delete) == 0, "engine delete");
     }
 };
 
-// Record numbers 0..n-1 in the order they are inserted, and in the order they are looked up.
-struct Workload {
-    std::vector<uint32_t> order, lookups;
-    std::mt19937 rng{7};
-
-    explicit Workload(uint32_t n) : order(n)
-    {
-        for (uint32_t i = 0; i < n; ++i)
-            order[i] = i;
-        std::shuffle(order.begin(), order.end(), rng);
-        lookups = order;
-        reshuffle();
-    }
-    void reshuffle() { std::shuffle(lookups.begin(), lookups.end(), rng); }
-};
-
-struct TimedRow {
-    const char* name;
-    std::pair<double, double> us;
-};
-
-// Runs op i of both sides for i = 0..n-1 in alternating chunks, so that both meet the same load
-// on a shared machine; returns the µs/op of each side.
-template <typename A, typename B>
-std::pair<double, double> interleaved(size_t n, A engineOp, B referenceOp)
+// Runs op i of every side for i = 0..n-1 in alternating chunks, so that all meet the same load on
+// a shared machine; returns the µs/op of each side.
+inline std::vector<double> interleaved(size_t n, const std::vector<Side*>& sides, const std::function<void(Side&, size_t)>& op)
 {
     constexpr size_t kChunk = 500;
-    Clock::duration engine{}, reference{};
+    std::vector<Clock::duration> spent(sides.size());
     for (size_t start = 0; start < n; start += kChunk) {
         const size_t end = std::min(n, start + kChunk);
-        auto t0 = Clock::now();
-        for (size_t i = start; i < end; ++i)
-            engineOp(i);
-        auto t1 = Clock::now();
-        for (size_t i = start; i < end; ++i)
-            referenceOp(i);
-        auto t2 = Clock::now();
-        engine += t1 - t0;
-        reference += t2 - t1;
+        for (size_t s = 0; s < sides.size(); ++s) {
+            const auto t0 = Clock::now();
+            for (size_t i = start; i < end; ++i)
+                op(*sides[s], i);
+            spent[s] += Clock::now() - t0;
+        }
     }
-    return {micros(engine, n), micros(reference, n)};
+    std::vector<double> us;
+    for (const auto& d : spent)
+        us.push_back(std::chrono::duration<double, std::micro>(d).count() / double(n));
+    return us;
 }
 
-inline void printRows(const std::vector<TimedRow>& rows, const char* engineColumn, const char* referenceColumn)
+inline std::vector<uint32_t> shuffled(uint32_t n, std::mt19937& rng)
 {
-    std::printf("%-16s %16s %16s %8s\n", "operation", engineColumn, referenceColumn, "ratio");
-    for (const TimedRow& r : rows)
-        std::printf("%-16s %16.2f %16.2f %8.2f\n", r.name, r.us.first, r.us.second, r.us.first / r.us.second);
+    std::vector<uint32_t> v(n);
+    for (uint32_t i = 0; i < n; ++i)
+        v[i] = i;
+    std::shuffle(v.begin(), v.end(), rng);
+    return v;
 }
 
 }  // namespace bench

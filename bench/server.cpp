@@ -12,7 +12,9 @@
 
 #include <libpq-fe.h>
 
-#include <cstdlib>
+#include <cstdint>
+#include <cstdio>
+#include <initializer_list>
 #include <string>
 
 namespace {
@@ -21,7 +23,7 @@ using namespace bench;
 
 // ---- raw libpq on a minimal schema ----
 
-class RawServer {
+class RawServer final : public Side {
 public:
     explicit RawServer(const char* conninfo) : m_conn(PQconnectdb(conninfo))
     {
@@ -42,43 +44,42 @@ public:
         prepare("update", "UPDATE bench_records SET data=$2 WHERE rid=$1", 2);
         prepare("delete", "WITH d AS (DELETE FROM bench_key0 WHERE k=$1 RETURNING rid) "
                           "DELETE FROM bench_records WHERE rid IN (SELECT rid FROM d)", 1);
-        spec = jobItemSpec();
     }
-    ~RawServer()
+    ~RawServer() override
     {
         exec("DROP TABLE IF EXISTS bench_key0, bench_records");
         PQfinish(m_conn);
     }
 
-    void insert(uint32_t i)
+    void insert(uint32_t i) override
     {
         makeRecord(i, rec);
-        encodeKey();
+        encodeKey(rec, encoded);
         run("insert", {bytes(encoded), bytes(rec, kRecordLength)}, PGRES_COMMAND_OK);
     }
-    void getEqual(uint32_t i)
+    void getEqual(uint32_t i) override
     {
         makeRecord(i, rec);
-        encodeKey();
+        encodeKey(rec, encoded);
         check(fetch("equal", {bytes(encoded)}), "raw get equal");
     }
-    bool keyStep(size_t i) { return i == 0 ? fetch("first", {}) : fetch("next", {bytes(last)}); }
-    bool physicalStep(size_t i)
+    bool keyStep(size_t i) override { return i == 0 ? fetch("first", {}) : fetch("next", {bytes(last)}); }
+    bool physicalStep(size_t i) override
     {
         const uint64_t be = toBigEndian(uint64_t(lastRecno));
         return i == 0 ? fetch("stepFirst", {}) : fetch("stepNext", {bytes(&be, 8)});
     }
-    void update(uint32_t i)
+    void update(uint32_t i) override
     {
         getEqual(i);
         rec[100] ^= 1;
         const uint64_t be = toBigEndian(uint64_t(lastRecno));
         run("update", {bytes(&be, 8), bytes(rec, kRecordLength)}, PGRES_COMMAND_OK);
     }
-    void remove(uint32_t i)
+    void remove(uint32_t i) override
     {
         makeRecord(i, rec);
-        encodeKey();
+        encodeKey(rec, encoded);
         run("delete", {bytes(encoded)}, PGRES_COMMAND_OK);
     }
 
@@ -148,15 +149,7 @@ private:
         PQclear(r);
         return row;
     }
-    void encodeKey()
-    {
-        uint8_t value[kKeyWidth];
-        recman::KeyCodec::extractValue(spec.keys[0], rec, value);
-        recman::KeyCodec::encode(spec.keys[0], value, encoded);
-    }
-
     PGconn* m_conn;
-    recman::FileSpec spec;
     uint8_t rec[kRecordLength];
     std::string encoded, last;
     int64_t lastRecno = 0;
@@ -173,30 +166,34 @@ int main(int argc, char** argv)
     }
     const uint32_t n = argc > 1 ? uint32_t(std::strtoul(argv[1], nullptr, 10)) : 20000;
     check(n > 0, "N");
-    Workload w(n);
-    std::vector<TimedRow> rows;
+    std::mt19937 rng(7);
+    const std::vector<uint32_t> order = shuffled(n, rng);
+    std::vector<uint32_t> lookups = shuffled(n, rng);
+    struct Row {
+        const char* name;
+        std::vector<double> us;
+    };
+    std::vector<Row> rows;
     {
         EngineSide e("/bench/server/JOBITEMS.DAT");
         RawServer raw(conninfo);
-        rows.push_back({"insert", interleaved(n, [&](size_t i) { e.insert(w.order[i]); },
-                                              [&](size_t i) { raw.insert(w.order[i]); })});
-        rows.push_back({"get equal", interleaved(n, [&](size_t i) { e.getEqual(w.lookups[i]); },
-                                                 [&](size_t i) { raw.getEqual(w.lookups[i]); })});
-        rows.push_back({"get next scan", interleaved(n, [&](size_t i) { e.scanStep(i, GetFirst, GetNext); },
-                                                     [&](size_t i) { check(raw.keyStep(i), "raw scan"); })});
-        check(e.after(GetNext) == 9 && !raw.keyStep(n), "end of the key scan");
-        rows.push_back({"step next scan", interleaved(n, [&](size_t i) { e.scanStep(i, StepFirst, StepNext); },
-                                                      [&](size_t i) { check(raw.physicalStep(i), "raw step"); })});
-        check(e.after(StepNext) == 9 && !raw.physicalStep(n), "end of the physical scan");
-        w.reshuffle();
-        rows.push_back({"update", interleaved(n, [&](size_t i) { e.update(w.lookups[i]); },
-                                              [&](size_t i) { raw.update(w.lookups[i]); })});
-        w.reshuffle();
-        rows.push_back({"delete", interleaved(n, [&](size_t i) { e.remove(w.lookups[i]); },
-                                              [&](size_t i) { raw.remove(w.lookups[i]); })});
+        const std::vector<Side*> sides = {&e, &raw};
+        rows.push_back({"insert", interleaved(n, sides, [&](Side& s, size_t i) { s.insert(order[i]); })});
+        rows.push_back({"get equal", interleaved(n, sides, [&](Side& s, size_t i) { s.getEqual(lookups[i]); })});
+        rows.push_back({"get next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.keyStep(i), "key scan"); })});
+        rows.push_back(
+            {"step next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.physicalStep(i), "physical scan"); })});
+        for (Side* s : sides)
+            check(!s->keyStep(n) && !s->physicalStep(n), "end of the scans");
+        std::shuffle(lookups.begin(), lookups.end(), rng);
+        rows.push_back({"update", interleaved(n, sides, [&](Side& s, size_t i) { s.update(lookups[i]); })});
+        std::shuffle(lookups.begin(), lookups.end(), rng);
+        rows.push_back({"delete", interleaved(n, sides, [&](Side& s, size_t i) { s.remove(lookups[i]); })});
     }
-    std::printf("server store, N = %u records of %u bytes, one round trip per raw operation\n", n,
-                unsigned(kRecordLength));
-    printRows(rows, "BTRCALL us/op", "raw libpq us/op");
+    std::printf("server store over loopback, N = %u records of %u bytes; us/op (raw libpq: one statement and one "
+                "round trip per operation)\n", n, unsigned(kRecordLength));
+    std::printf("%-15s %9s %11s %8s\n", "operation", "tarsel", "raw libpq", "ratio");
+    for (const Row& r : rows)
+        std::printf("%-15s %9.2f %11.2f %8.2f\n", r.name, r.us[0], r.us[1], r.us[0] / r.us[1]);
     return 0;
 }

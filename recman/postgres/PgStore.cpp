@@ -141,7 +141,9 @@ std::string createTable(int64_t id, const FileSpec& spec)
         s += ", a" + std::to_string(j) + " bigint";
     s += ");";
     for (size_t i = 0; i < spec.keys.size(); ++i) {
-        const std::string k = "k" + std::to_string(i), si = "s" + std::to_string(i);
+        std::string k = "k", si = "s";
+        k += std::to_string(i);
+        si += std::to_string(i);
         const bool dup = spec.keys[i].duplicates;
         s += std::string(dup ? "CREATE INDEX " : "CREATE UNIQUE INDEX ") + t + "_x" + std::to_string(i) + " ON " + t +
              "(" + k + (dup ? ", " + si : std::string()) + ");";

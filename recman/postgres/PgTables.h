@@ -9,7 +9,13 @@
 
 namespace recman::postgres {
 
-inline std::string tableOf(int64_t id) { return "r" + std::to_string(id); }
+// Appended rather than "r" + ...: GCC 12 warns falsely on that form in release builds.
+inline std::string tableOf(int64_t id)
+{
+    std::string t = "r";
+    t += std::to_string(id);
+    return t;
+}
 
 // The statements that make file `id`'s record table and its indexes for `spec`.
 std::string createTable(int64_t id, const FileSpec& spec);
