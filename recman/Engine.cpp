@@ -325,7 +325,7 @@ Status Engine::open(const CallArgs& a)
 
     auto h = std::make_shared<Handle>();
     h->readOnly = readOnly;
-    h->owner = Owner{m_pid, m_startToken, 0};
+    h->owner = Owner{platform::hostToken(), m_pid, m_startToken, 0};
     h->file = acquireFile(key);
     std::lock_guard<std::mutex> fileLock(h->file->mutex);
     const EndOpen endOpen{*h->file};

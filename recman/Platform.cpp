@@ -15,6 +15,17 @@ std::string siblingPath(const std::string& path, const std::string& name)
     return (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + name;
 }
 
+int64_t hostToken()
+{
+    static const int64_t token = [] {
+        uint64_t h = 0xcbf29ce484222325ull;  // FNV-1a
+        for (const char c : hostName())
+            h = (h ^ uint8_t(c)) * 0x100000001b3ull;
+        return int64_t(h >> 1) | 1;
+    }();
+    return token;
+}
+
 uint64_t randomToken()
 {
     std::random_device rd;

@@ -25,6 +25,9 @@ int64_t currentProcessId();
 // (its start time); 0 when it cannot be read.
 int64_t processStartToken(int64_t pid);
 
+// This machine, as a number that every process on it computes alike (a hash of its name); never 0.
+int64_t hostToken();
+
 // True while a process with that id and start token runs.
 bool processAlive(int64_t pid, int64_t startToken);
 
@@ -40,6 +43,9 @@ std::string siblingPath(const std::string& path, const std::string& name);
 // Renames `from` to `to`, replacing a file there in one step; false when the system refuses (on
 // Windows, while any handle has `to` open).
 bool replaceFile(const std::string& from, const std::string& to);
+
+// This machine's name as the system gives it; "" when it cannot be read.
+std::string hostName();
 
 // A random 64-bit value, different in every process.
 uint64_t randomToken();

@@ -15,6 +15,14 @@ namespace recman::platform {
 
 int64_t currentProcessId() { return int64_t(::getpid()); }
 
+std::string hostName()
+{
+    char name[256] = {};
+    if (::gethostname(name, sizeof name - 1) != 0)
+        return "";
+    return name;
+}
+
 int64_t processStartToken(int64_t pid)
 {
     char name[64];

@@ -46,6 +46,13 @@ int64_t creationTime(HANDLE process)
 
 int64_t currentProcessId() { return int64_t(::GetCurrentProcessId()); }
 
+std::string hostName()
+{
+    char name[MAX_COMPUTERNAME_LENGTH + 1] = {};
+    DWORD size = sizeof name;
+    return ::GetComputerNameA(name, &size) ? std::string(name, size) : std::string();
+}
+
 int64_t processStartToken(int64_t pid)
 {
     const ProcessHandle process(pid);

@@ -28,8 +28,9 @@ namespace recman {
 
 class FileOperations;  // recman/FileOperations.h
 
-// Who holds an open handle or a record lock: a handle of a run of a process.
+// Who holds an open handle or a record lock: a handle of a run of a process on a machine.
 struct Owner {
+    int64_t host = 0;  // the machine (platform::hostToken())
     int64_t pid = 0;
     int64_t startToken = 0;
     uint64_t handle = 0;

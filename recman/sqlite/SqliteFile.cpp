@@ -12,11 +12,27 @@ constexpr int WalIndexRegion = 32768;  // the size SQLite maps the shared index 
 
 bool ownerAlive(const Owner& owner, const ProcessMark& mark)
 {
+    // A process of another machine cannot be looked at from here: it counts as alive.
+    if (owner.host != platform::hostToken())
+        return true;
     if (!platform::processAlive(owner.pid, owner.startToken))
         return false;
     // This process's own mark is not seen through its own descriptor; it runs, as asked.
     return owner.pid == platform::currentProcessId() || mark.held(owner.pid);
 }
+
+namespace {
+
+// Binds an owner's host, process id, start token and handle from parameter `first` on.
+void bindOwner(Statement& st, int first, const Owner& owner)
+{
+    st.bind(first, owner.host);
+    st.bind(first + 1, owner.pid);
+    st.bind(first + 2, owner.startToken);
+    st.bind(first + 3, int64_t(owner.handle));
+}
+
+}  // namespace
 
 SqliteFile::SqliteFile(sqlite3* db, FileSpec spec)
     : m_db(db), m_spec(std::move(spec)), m_sql(SqlText::forSpec(m_spec)), m_autoFields(autoIncrementFields(m_spec)),
@@ -488,7 +504,8 @@ Status SqliteFile::openHandles(std::vector<std::pair<Owner, bool>>& owners)
     ResetOnExit r(*st);
     int rc;
     while ((rc = st->step()) == SQLITE_ROW)
-        owners.push_back({Owner{st->integer(0), st->integer(1), uint64_t(st->integer(2))}, st->integer(3) != 0});
+        owners.push_back({Owner{st->integer(0), st->integer(1), st->integer(2), uint64_t(st->integer(3))},
+                          st->integer(4) != 0});
     return rc == SQLITE_DONE ? StatusOk : rowStatus(rc);
 }
 
@@ -496,9 +513,7 @@ Status SqliteFile::ownerStatement(Fixed which, const Owner& owner)
 {
     Statement* st = fixed(which);
     if (st) {
-        st->bind(1, owner.pid);
-        st->bind(2, owner.startToken);
-        st->bind(3, int64_t(owner.handle));
+        bindOwner(*st, 1, owner);
     }
     return run(st);
 }
@@ -534,10 +549,8 @@ Status SqliteFile::registerInTransaction(const Owner& owner, bool exclusive)
 
     Statement* st = fixed(FAddOpen);
     if (st) {
-        st->bind(1, owner.pid);
-        st->bind(2, owner.startToken);
-        st->bind(3, int64_t(owner.handle));
-        st->bind(4, exclusive ? 1 : 0);
+        bindOwner(*st, 1, owner);
+        st->bind(5, exclusive ? 1 : 0);
     }
     return run(st);
 }
@@ -571,7 +584,7 @@ Status SqliteFile::lockConflict(int64_t recno, const Owner& owner)
         st->bind(1, recno);
         int rc;
         while ((rc = st->step()) == SQLITE_ROW)
-            m_holders.push_back(Owner{st->integer(0), st->integer(1), uint64_t(st->integer(2))});
+            m_holders.push_back(Owner{st->integer(0), st->integer(1), st->integer(2), uint64_t(st->integer(3))});
         if (rc != SQLITE_DONE)
             return rowStatus(rc);
     }
@@ -591,9 +604,7 @@ Status SqliteFile::addLock(int64_t recno, const Owner& owner)
     Statement* st = fixed(FAddLock);
     if (st) {
         st->bind(1, recno);
-        st->bind(2, owner.pid);
-        st->bind(3, owner.startToken);
-        st->bind(4, int64_t(owner.handle));
+        bindOwner(*st, 2, owner);
     }
     return run(st);
 }
@@ -603,9 +614,7 @@ Status SqliteFile::removeLock(int64_t recno, const Owner& owner)
     Statement* st = fixed(FRemoveLock);
     if (st) {
         st->bind(1, recno);
-        st->bind(2, owner.pid);
-        st->bind(3, owner.startToken);
-        st->bind(4, int64_t(owner.handle));
+        bindOwner(*st, 2, owner);
     }
     return run(st);
 }

@@ -80,9 +80,9 @@ std::vector<std::string> schemaStatements(const FileSpec& spec)
         "CREATE TABLE meta(name TEXT PRIMARY KEY, value BLOB NOT NULL)",
         rec,
         "INSERT INTO rec(n, v, d) VALUES(1, 0, 0)",
-        "CREATE TABLE opens(pid INTEGER, tok INTEGER, h INTEGER, excl INTEGER, PRIMARY KEY(pid, tok, h)) "
+        "CREATE TABLE opens(host INTEGER, pid INTEGER, tok INTEGER, h INTEGER, excl INTEGER, PRIMARY KEY(host, pid, tok, h)) "
         "WITHOUT ROWID",
-        "CREATE TABLE locks(n INTEGER, pid INTEGER, tok INTEGER, h INTEGER, PRIMARY KEY(n, pid, tok, h)) "
+        "CREATE TABLE locks(n INTEGER, host INTEGER, pid INTEGER, tok INTEGER, h INTEGER, PRIMARY KEY(n, host, pid, tok, h)) "
         "WITHOUT ROWID",
         std::string("INSERT INTO meta VALUES('signature', '") + SchemaSignature + "')",
         "INSERT INTO meta VALUES('spec', " + hexBlob(spec.statBlock(0)) + ")",

@@ -13,7 +13,7 @@
 //                              table, and the count costs an insert no page of its own.
 //   index xi on rec(ki) UNIQUE, or rec(ki, si) for a duplicates key; index yj on rec(aj); each
 //                              without the rows whose column is NULL
-//   opens(pid, tok, h, excl)   open handles;  locks(n, pid, tok, h)   record locks
+//   opens(host, pid, tok, h, excl)   open handles;  locks(n, host, pid, tok, h)   record locks
 #pragma once
 
 #include "recman/FileSpec.h"
@@ -66,13 +66,14 @@ inline constexpr const char* Counters = "SELECT n, d FROM rec ORDER BY n DESC LI
 inline constexpr const char* AppendCounter = "INSERT INTO rec(n, v, d) VALUES(?1, 0, ?2)";
 inline constexpr const char* GiveRank = "UPDATE rec SET n=?2 WHERE n=?1";
 inline constexpr const char* CountDelete = "UPDATE rec SET d=d-1 WHERE n=(SELECT max(n) FROM rec)";
-inline constexpr const char* Opens = "SELECT pid, tok, h, excl FROM opens";
-inline constexpr const char* AddOpen = "INSERT OR REPLACE INTO opens(pid, tok, h, excl) VALUES(?1, ?2, ?3, ?4)";
-inline constexpr const char* RemoveOpen = "DELETE FROM opens WHERE pid=?1 AND tok=?2 AND h=?3";
-inline constexpr const char* RemoveOwnerLocks = "DELETE FROM locks WHERE pid=?1 AND tok=?2 AND h=?3";
-inline constexpr const char* LockHolders = "SELECT pid, tok, h FROM locks WHERE n=?1";
-inline constexpr const char* AddLock = "INSERT OR IGNORE INTO locks(n, pid, tok, h) VALUES(?1, ?2, ?3, ?4)";
-inline constexpr const char* RemoveLock = "DELETE FROM locks WHERE n=?1 AND pid=?2 AND tok=?3 AND h=?4";
+inline constexpr const char* Opens = "SELECT host, pid, tok, h, excl FROM opens";
+inline constexpr const char* AddOpen =
+    "INSERT OR REPLACE INTO opens(host, pid, tok, h, excl) VALUES(?1, ?2, ?3, ?4, ?5)";
+inline constexpr const char* RemoveOpen = "DELETE FROM opens WHERE host=?1 AND pid=?2 AND tok=?3 AND h=?4";
+inline constexpr const char* RemoveOwnerLocks = "DELETE FROM locks WHERE host=?1 AND pid=?2 AND tok=?3 AND h=?4";
+inline constexpr const char* LockHolders = "SELECT host, pid, tok, h FROM locks WHERE n=?1";
+inline constexpr const char* AddLock = "INSERT OR IGNORE INTO locks(n, host, pid, tok, h) VALUES(?1, ?2, ?3, ?4, ?5)";
+inline constexpr const char* RemoveLock = "DELETE FROM locks WHERE n=?1 AND host=?2 AND pid=?3 AND tok=?4 AND h=?5";
 inline constexpr const char* RemoveRecordLocks = "DELETE FROM locks WHERE n=?1";
 // Delete of record ?1 at version ?2, or at any version when ?3 is 1.
 inline constexpr const char* RemoveChecked = "DELETE FROM rec WHERE n=?1 AND v>0 AND (v=?2 OR ?3)";

@@ -4,6 +4,8 @@
 #include "ChildProcess.h"
 #include "ConformanceFixture.h"
 
+#include <sqlite3.h>
+
 #include <csignal>
 #include <sstream>
 #include <sys/wait.h>
@@ -131,6 +133,49 @@ TEST_F(EndedHolder, ALiveHoldersLockOutlastsOtherUsersComingAndGoing) {
     Handle h;
     ASSERT_EQ(st::Ok, h.open(file));
     EXPECT_EQ(st::Ok, h.find(op::GetEqual + op::Single, int32Key(20)));
+}
+
+// Holders of another machine cannot be looked at from here: the embedded store keeps their locks
+// and opens, however dead their process ids look on this machine. The same rows with this
+// machine's own mark are swept.
+TEST_F(EndedHolder, AnOwnerOfAnotherMachineIsNeverSwept) {
+    int64_t here = 0;
+    {
+        Handle h;
+        ASSERT_EQ(st::Ok, h.open(file));
+        sqlite3* db = nullptr;
+        ASSERT_EQ(SQLITE_OK, sqlite3_open(file.c_str(), &db));
+        sqlite3_stmt* q = nullptr;
+        ASSERT_EQ(SQLITE_OK, sqlite3_prepare_v2(db, "SELECT host FROM opens", -1, &q, nullptr));
+        ASSERT_EQ(SQLITE_ROW, sqlite3_step(q));
+        here = sqlite3_column_int64(q, 0);
+        sqlite3_finalize(q);
+        sqlite3_close(db);
+    }
+    const int64_t deadPid = 0x7FFFFFF0;  // no process here has that id
+    for (const bool otherMachine : {true, false}) {
+        SCOPED_TRACE(otherMachine ? "holder on another machine" : "holder on this machine");
+        const int64_t host = otherMachine ? here ^ 2 : here;
+        sqlite3* db = nullptr;
+        ASSERT_EQ(SQLITE_OK, sqlite3_open(file.c_str(), &db));
+        const std::string rows = "DELETE FROM locks; DELETE FROM opens; INSERT INTO locks VALUES((SELECT n FROM rec "
+                                 "WHERE v>0 ORDER BY n LIMIT 1), " + std::to_string(host) + ", " +
+                                 std::to_string(deadPid) + ", 1, 1); INSERT INTO opens VALUES(" +
+                                 std::to_string(host) + ", " + std::to_string(deadPid) + ", 1, 1, 1)";
+        ASSERT_EQ(SQLITE_OK, sqlite3_exec(db, rows.c_str(), nullptr, nullptr, nullptr)) << sqlite3_errmsg(db);
+        sqlite3_close(db);
+
+        Handle h;
+        EXPECT_EQ(otherMachine ? st::FileLocked : st::Ok, h.open(file)) << "an exclusive open of that holder";
+        if (otherMachine) {
+            sqlite3* fix = nullptr;
+            ASSERT_EQ(SQLITE_OK, sqlite3_open(file.c_str(), &fix));
+            ASSERT_EQ(SQLITE_OK, sqlite3_exec(fix, "UPDATE opens SET excl=0", nullptr, nullptr, nullptr));
+            sqlite3_close(fix);
+            ASSERT_EQ(st::Ok, h.open(file));
+        }
+        EXPECT_EQ(otherMachine ? st::Locked : st::Ok, h.find(op::GetEqual + op::Single, int32Key(10)));
+    }
 }
 
 }  // namespace
