@@ -52,6 +52,7 @@ PgFile::PgFile(std::shared_ptr<Connection> conn, int64_t id, FileSpec spec)
     m_countDelete = "UPDATE tarsel_files SET count=count-1" + row;
     m_nextSeq = "UPDATE tarsel_files SET seq=seq+1" + row + " RETURNING seq";
     m_count = "SELECT count FROM tarsel_files" + row;
+    buildStatements();
 }
 
 Status PgFile::begin() { return m_conn->begin(m_begin); }
@@ -60,10 +61,21 @@ void PgFile::rollback() { m_conn->rollback(); }
 
 Status PgFile::fetch(const std::string& text, const Params& p, bool withKey, FoundRecord& out)
 {
+    if (m_capturing) {
+        m_captured = &text;
+        m_capturedKey = withKey;
+        return StatusStoreFailure;
+    }
     if (const Status s = m_conn->run(text, p, m_result); s != StatusOk)
         return s;
     if (m_result.rows() == 0)
         return StatusEndOfFile;
+    found(withKey, out);
+    return StatusOk;
+}
+
+void PgFile::found(bool withKey, FoundRecord& out)
+{
     out.recno = m_result.integer(0, 0);
     out.version = m_result.integer(0, 1);
     m_result.bytes(0, 2, m_data);
@@ -75,7 +87,7 @@ Status PgFile::fetch(const std::string& text, const Params& p, bool withKey, Fou
         out.keyValue = &m_key;
         out.seq = m_result.integer(0, 4);
     }
-    return StatusOk;
+    remember(out.recno, out.version, m_data.data(), m_data.size());
 }
 
 Status PgFile::seekKey(int key, Seek how, const std::string& value, int64_t seq, FoundRecord& out)
@@ -119,6 +131,10 @@ Status PgFile::recordCount(uint32_t& count)
 
 Status PgFile::highestAutoValue(size_t field, int64_t& value)
 {
+    if (m_alone) {
+        m_askedFile = true;
+        return StatusStoreFailure;
+    }
     m_params.clear();
     if (const Status s = m_conn->run(m_sql.autoMax[field], m_params, m_result); s != StatusOk)
         return s;
@@ -128,6 +144,10 @@ Status PgFile::highestAutoValue(size_t field, int64_t& value)
 
 Status PgFile::autoValueExists(size_t field, int64_t value, bool& exists)
 {
+    if (m_alone) {
+        m_askedFile = true;
+        return StatusStoreFailure;
+    }
     m_params.clear();
     if (const Status s = m_conn->run(m_sql.autoExists[field], m_params.integer(value), m_result); s != StatusOk)
         return s;
@@ -156,16 +176,23 @@ void PgFile::bindRecord(Params& p, const RecordWrite& rec, int64_t seq, bool kee
         p.integer(rec.autoValues[j]);
 }
 
-Status PgFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq)
+Status PgFile::numbered(const std::string& text, int64_t& recno, int64_t& version, int64_t& seq)
 {
-    m_params.clear();
-    if (const Status s = m_conn->run(m_countInsert, m_params, m_result); s != StatusOk)
+    if (const Status s = m_conn->run(text, m_params, m_result); s != StatusOk)
         return s;
     if (m_result.rows() != 1)
         return StatusStoreFailure;
     recno = m_result.integer(0, 0);
     seq = m_result.integer(0, 1);
     version = 1;
+    return StatusOk;
+}
+
+Status PgFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq)
+{
+    m_params.clear();
+    if (const Status s = numbered(m_countInsert, recno, version, seq); s != StatusOk)
+        return s;
     m_params.clear();
     m_params.integer(recno).integer(version);
     bindRecord(m_params, rec, seq, false);
@@ -174,6 +201,7 @@ Status PgFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& ver
 
 Status PgFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq)
 {
+    m_seen.erase(recno);
     seq = 0;
     bool needRank = false, keysChanged = false;
     rec.changes(m_spec, needRank, keysChanged);
@@ -195,6 +223,7 @@ Status PgFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite
 
 Status PgFile::deleteRecord(int64_t recno)
 {
+    m_seen.erase(recno);
     m_params.clear();
     if (const Status s = m_conn->run(m_sql.remove, m_params.integer(recno)); s != StatusOk)
         return s;
