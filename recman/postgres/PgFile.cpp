@@ -1,4 +1,5 @@
 #include "recman/postgres/PgFile.h"
+#include "recman/postgres/PgTables.h"
 
 #include <algorithm>
 #include <cctype>
@@ -46,8 +47,10 @@ PgFile::PgFile(std::shared_ptr<Connection> conn, int64_t id, FileSpec spec)
         for (std::string& t : *list)
             convert(t, table);
     const std::string row = " WHERE id=" + std::to_string(m_id);
-    // The file's row is its write lock: a writer holds it from begin() to the end.
-    m_begin = "BEGIN; SELECT 1 FROM tarsel_files" + row + " FOR UPDATE";
+    // The writer gate and the file's row are its write lock: a writer holds them from begin()
+    // to the end.
+    m_begin = "BEGIN; SELECT pg_advisory_xact_lock(" + std::to_string(m_id) + ", " + WriterGate +
+              "); SELECT 1 FROM tarsel_files" + row + " FOR UPDATE";
     m_countInsert = "UPDATE tarsel_files SET count=count+1, nextrec=nextrec+1, seq=seq+1" + row + " RETURNING nextrec, seq";
     m_countDelete = "UPDATE tarsel_files SET count=count-1" + row;
     m_nextSeq = "UPDATE tarsel_files SET seq=seq+1" + row + " RETURNING seq";

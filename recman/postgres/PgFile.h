@@ -7,7 +7,8 @@
 // apart here, in the tables below.
 //
 // Each record operation is one statement (PgRecordOps.cpp). Writers of a file take its row of
-// tarsel_files before they touch its records, as begin() does, so the composed operations that
+// tarsel_files, or an update that changes no key the shared writer gate, before they touch its
+// records; begin() takes the gate exclusive and then the row, so the composed operations that
 // remain (an autoincrement value asked of the file, the exact status of a refused write) still
 // see no other writer between their check and their act. A writer's test of another
 // workstation's record lock takes the lock for its transaction (pg_try_advisory_xact_lock), so a
