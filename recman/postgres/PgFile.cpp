@@ -55,12 +55,28 @@ PgFile::PgFile(std::shared_ptr<Connection> conn, int64_t id, FileSpec spec)
     m_countDelete = "UPDATE tarsel_files SET count=count-1" + row;
     m_nextSeq = "UPDATE tarsel_files SET seq=seq+1" + row + " RETURNING seq";
     m_count = "SELECT count FROM tarsel_files" + row;
+    m_lockRow = "SELECT 1 FROM " + table + " WHERE n=$1 FOR UPDATE";
     buildStatements();
 }
 
-Status PgFile::begin() { return m_conn->begin(m_begin); }
-Status PgFile::commit() { return m_conn->commit(); }
-void PgFile::rollback() { m_conn->rollback(); }
+Status PgFile::begin()
+{
+    const Status s = m_conn->begin(m_begin);
+    m_inTransaction = s == StatusOk;
+    return s;
+}
+
+Status PgFile::commit()
+{
+    m_inTransaction = false;
+    return m_conn->commit();
+}
+
+void PgFile::rollback()
+{
+    m_inTransaction = false;
+    m_conn->rollback();
+}
 
 Status PgFile::fetch(const std::string& text, const Params& p, bool withKey, FoundRecord& out)
 {
@@ -324,6 +340,14 @@ Status PgFile::lockConflict(int64_t recno, const Owner& owner)
             if (!(o == owner))
                 return StatusRecordLocked;
         return StatusOk;
+    }
+    // Inside a transaction the record's row is locked first: a locking read of another
+    // workstation (one statement, which takes no writer gate) then either ends before this
+    // test, its lock seen, or waits for the commit and reads what this transaction wrote.
+    if (m_inTransaction) {
+        m_params.clear();
+        if (const Status s = m_conn->run(m_lockRow, m_params.integer(recno)); s != StatusOk)
+            return s;
     }
     m_params.clear();
     const Status s = m_conn->run(

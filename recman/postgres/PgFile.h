@@ -97,7 +97,8 @@ private:
     FileSpec m_spec;
     sqlite::SqlText m_sql;
     std::vector<const SegmentSpec*> m_autoFields;
-    std::string m_begin, m_countInsert, m_countDelete, m_nextSeq, m_count;
+    std::string m_begin, m_countInsert, m_countDelete, m_nextSeq, m_count, m_lockRow;
+    bool m_inTransaction = false;
     Params m_params;
     Result m_result;
     std::string m_data, m_key;
