@@ -76,10 +76,11 @@ public:
         const uint64_t be = toBigEndian(uint64_t(lastRecno));
         run("update", {bytes(&be, 8), bytes(rec, kRecordLength)}, PGRES_COMMAND_OK);
     }
+    // A delete of the record just read, as BTRCALL deletes the current record: the same two
+    // operations as the engine's side.
     void remove(uint32_t i) override
     {
-        makeRecord(i, rec);
-        encodeKey(rec, encoded);
+        getEqual(i);
         run("delete", {bytes(encoded)}, PGRES_COMMAND_OK);
     }
 

@@ -28,6 +28,21 @@ Params& Params::integer(int64_t v)
     return *this;
 }
 
+Params& Params::integers(const std::vector<int64_t>& v)
+{
+    std::string text = "{";
+    for (size_t i = 0; i < v.size(); ++i) {
+        if (i)
+            text.push_back(',');
+        text += std::to_string(v[i]);
+    }
+    text.push_back('}');
+    m_values.push_back(std::move(text));
+    m_isNull.push_back(false);
+    m_binary.push_back(false);
+    return *this;
+}
+
 Params& Params::bytes(const void* data, size_t length)
 {
     m_values.emplace_back(static_cast<const char*>(data), length);

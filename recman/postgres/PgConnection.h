@@ -16,14 +16,17 @@ struct pg_result;
 
 namespace recman::postgres {
 
-// Parameters of one statement: integers are sent as text, byte strings as binary.
+// Parameters of one statement: integers and texts are sent as text, byte strings as binary.
 class Params {
 public:
     Params& integer(int64_t v);
+    // An array of integers, as the server's text form "{1,2}" (cast it in the statement).
+    Params& integers(const std::vector<int64_t>& v);
     Params& bytes(const void* data, size_t length);
     Params& bytes(const std::string& s) { return bytes(s.data(), s.size()); }
     Params& null();
     void clear();
+    size_t size() const { return m_values.size(); }
 
 private:
     friend class Connection;

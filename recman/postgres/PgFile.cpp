@@ -1,4 +1,5 @@
 #include "recman/postgres/PgFile.h"
+#include "recman/postgres/PgTables.h"
 
 #include <algorithm>
 #include <cctype>
@@ -46,24 +47,54 @@ PgFile::PgFile(std::shared_ptr<Connection> conn, int64_t id, FileSpec spec)
         for (std::string& t : *list)
             convert(t, table);
     const std::string row = " WHERE id=" + std::to_string(m_id);
-    // The file's row is its write lock: a writer holds it from begin() to the end.
-    m_begin = "BEGIN; SELECT 1 FROM tarsel_files" + row + " FOR UPDATE";
+    // The writer gate and the file's row are its write lock: a writer holds them from begin()
+    // to the end.
+    m_begin = "BEGIN; SELECT pg_advisory_xact_lock(" + std::to_string(m_id) + ", " + WriterGate +
+              "); SELECT 1 FROM tarsel_files" + row + " FOR UPDATE";
     m_countInsert = "UPDATE tarsel_files SET count=count+1, nextrec=nextrec+1, seq=seq+1" + row + " RETURNING nextrec, seq";
     m_countDelete = "UPDATE tarsel_files SET count=count-1" + row;
     m_nextSeq = "UPDATE tarsel_files SET seq=seq+1" + row + " RETURNING seq";
     m_count = "SELECT count FROM tarsel_files" + row;
+    m_lockRow = "SELECT 1 FROM " + table + " WHERE n=$1 FOR UPDATE";
+    buildStatements();
 }
 
-Status PgFile::begin() { return m_conn->begin(m_begin); }
-Status PgFile::commit() { return m_conn->commit(); }
-void PgFile::rollback() { m_conn->rollback(); }
+Status PgFile::begin()
+{
+    const Status s = m_conn->begin(m_begin);
+    m_inTransaction = s == StatusOk;
+    return s;
+}
+
+Status PgFile::commit()
+{
+    m_inTransaction = false;
+    return m_conn->commit();
+}
+
+void PgFile::rollback()
+{
+    m_inTransaction = false;
+    m_conn->rollback();
+}
 
 Status PgFile::fetch(const std::string& text, const Params& p, bool withKey, FoundRecord& out)
 {
+    if (m_capturing) {
+        m_captured = &text;
+        m_capturedKey = withKey;
+        return StatusStoreFailure;
+    }
     if (const Status s = m_conn->run(text, p, m_result); s != StatusOk)
         return s;
     if (m_result.rows() == 0)
         return StatusEndOfFile;
+    found(withKey, out);
+    return StatusOk;
+}
+
+void PgFile::found(bool withKey, FoundRecord& out)
+{
     out.recno = m_result.integer(0, 0);
     out.version = m_result.integer(0, 1);
     m_result.bytes(0, 2, m_data);
@@ -75,7 +106,7 @@ Status PgFile::fetch(const std::string& text, const Params& p, bool withKey, Fou
         out.keyValue = &m_key;
         out.seq = m_result.integer(0, 4);
     }
-    return StatusOk;
+    remember(out.recno, out.version, m_data.data(), m_data.size());
 }
 
 Status PgFile::seekKey(int key, Seek how, const std::string& value, int64_t seq, FoundRecord& out)
@@ -119,6 +150,10 @@ Status PgFile::recordCount(uint32_t& count)
 
 Status PgFile::highestAutoValue(size_t field, int64_t& value)
 {
+    if (m_alone) {
+        m_askedFile = true;
+        return StatusStoreFailure;
+    }
     m_params.clear();
     if (const Status s = m_conn->run(m_sql.autoMax[field], m_params, m_result); s != StatusOk)
         return s;
@@ -128,6 +163,10 @@ Status PgFile::highestAutoValue(size_t field, int64_t& value)
 
 Status PgFile::autoValueExists(size_t field, int64_t value, bool& exists)
 {
+    if (m_alone) {
+        m_askedFile = true;
+        return StatusStoreFailure;
+    }
     m_params.clear();
     if (const Status s = m_conn->run(m_sql.autoExists[field], m_params.integer(value), m_result); s != StatusOk)
         return s;
@@ -156,16 +195,23 @@ void PgFile::bindRecord(Params& p, const RecordWrite& rec, int64_t seq, bool kee
         p.integer(rec.autoValues[j]);
 }
 
-Status PgFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq)
+Status PgFile::numbered(const std::string& text, int64_t& recno, int64_t& version, int64_t& seq)
 {
-    m_params.clear();
-    if (const Status s = m_conn->run(m_countInsert, m_params, m_result); s != StatusOk)
+    if (const Status s = m_conn->run(text, m_params, m_result); s != StatusOk)
         return s;
     if (m_result.rows() != 1)
         return StatusStoreFailure;
     recno = m_result.integer(0, 0);
     seq = m_result.integer(0, 1);
     version = 1;
+    return StatusOk;
+}
+
+Status PgFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq)
+{
+    m_params.clear();
+    if (const Status s = numbered(m_countInsert, recno, version, seq); s != StatusOk)
+        return s;
     m_params.clear();
     m_params.integer(recno).integer(version);
     bindRecord(m_params, rec, seq, false);
@@ -174,6 +220,7 @@ Status PgFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& ver
 
 Status PgFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq)
 {
+    m_seen.erase(recno);
     seq = 0;
     bool needRank = false, keysChanged = false;
     rec.changes(m_spec, needRank, keysChanged);
@@ -195,6 +242,7 @@ Status PgFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite
 
 Status PgFile::deleteRecord(int64_t recno)
 {
+    m_seen.erase(recno);
     m_params.clear();
     if (const Status s = m_conn->run(m_sql.remove, m_params.integer(recno)); s != StatusOk)
         return s;
@@ -292,6 +340,14 @@ Status PgFile::lockConflict(int64_t recno, const Owner& owner)
             if (!(o == owner))
                 return StatusRecordLocked;
         return StatusOk;
+    }
+    // Inside a transaction the record's row is locked first: a locking read of another
+    // workstation (one statement, which takes no writer gate) then either ends before this
+    // test, its lock seen, or waits for the commit and reads what this transaction wrote.
+    if (m_inTransaction) {
+        m_params.clear();
+        if (const Status s = m_conn->run(m_lockRow, m_params.integer(recno)); s != StatusOk)
+            return s;
     }
     m_params.clear();
     const Status s = m_conn->run(

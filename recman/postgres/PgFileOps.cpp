@@ -330,10 +330,15 @@ Status PgStore::check(const std::string& path, bool repair, const CheckProgress&
     Status s = t.begin(repair ? "BEGIN" : "BEGIN ISOLATION LEVEL REPEATABLE READ");
     Params p;
     Result r;
-    // A repair holds the file's row as writers do (PgFile::begin), so none writes meanwhile.
+    // A repair holds the writer gate and the file's row as writers do (PgFile::begin), so none
+    // writes meanwhile.
+    p.bytes(nameOf(path));
+    if (s == StatusOk && repair)
+        s = conn->run(std::string("SELECT pg_advisory_xact_lock(id, ") + WriterGate + ") FROM tarsel_files WHERE name=$1",
+                      p);
     if (s == StatusOk)
-        s = conn->run(std::string("SELECT id, spec FROM tarsel_files WHERE name=$1") + (repair ? " FOR UPDATE" : ""),
-                      p.bytes(nameOf(path)), r);
+        s = conn->run(std::string("SELECT id, spec FROM tarsel_files WHERE name=$1") + (repair ? " FOR UPDATE" : ""), p,
+                      r);
     if (s != StatusOk)
         return s;
     if (r.rows() == 0)

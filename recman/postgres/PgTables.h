@@ -9,6 +9,11 @@
 
 namespace recman::postgres {
 
+// Second key of the advisory lock that gates a file's writers: an update that changes no key
+// takes it shared instead of the file's row; a transaction that must see no writer (begin(), a
+// repair) takes it exclusive before the row.
+inline constexpr const char* WriterGate = "-1";
+
 // Appended rather than "r" + ...: GCC 12 warns falsely on that form in release builds.
 inline std::string tableOf(int64_t id)
 {

@@ -8,10 +8,72 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <sstream>
 
 using namespace conformance;
 using recman::postgres::serverName;
 using testsupport::ChildProcess;
+
+namespace {
+
+// The count kept in bytes 12..15 of a twoKeyRecord, outside its keys.
+uint32_t tally(const Bytes& r) { return uint32_t(readLe(r.data() + 12, 4)); }
+
+// Adds 1 to the tally of the record with key 0 `key`, `times` times: under a no-wait lock taken
+// again while another holds it, or by a plain read and an update tried again on 80 or 84.
+int16_t addTo(Handle& h, int key, int times, bool locking) {
+    for (int i = 0; i < times; ++i) {
+        int16_t status = st::Locked;
+        while (status == st::Locked || status == st::Changed) {
+            status = h.find(op::GetEqual + (locking ? op::Single : 0), int32Key(key));
+            if (status == st::Locked)
+                continue;
+            if (status != st::Ok)
+                return status;
+            const Bytes counted = le(tally(h.data) + 1, 4);
+            std::copy(counted.begin(), counted.end(), h.data.begin() + 12);
+            status = h.update(h.data);
+            if (locking && status != st::Ok)
+                return status;  // the lock kept every other write out
+        }
+        if (status != st::Ok)
+            return status;
+    }
+    return st::Ok;
+}
+
+}  // namespace
+
+// A workstation on a twoKeyFile(); every reply starts with the status.
+//   open PATH | lock KEY0 | mlock KEY0 (a multiple lock) | unlock (every multiple lock)
+//   update KEY1 (the current record) | delete | add KEY0 TIMES lock|plain (addTo)
+TARSEL_CHILD_ROUTINE(serverDesk) {
+    Handle h;
+    std::string line;
+    while (channel.readLine(line)) {
+        std::istringstream in(line);
+        std::string command, arg;
+        int key = 0, times = 0;
+        in >> command;
+        int16_t status = st::BadOperation;
+        if (command == "open" && in >> arg) {
+            status = h.open(arg);
+        } else if ((command == "lock" || command == "mlock") && in >> key) {
+            status = h.find(op::GetEqual + (command == "lock" ? op::Single : op::Multiple), int32Key(key));
+        } else if (command == "unlock") {
+            status = h.unlock(-2);
+        } else if (command == "update" && in >> key) {
+            const Bytes k1 = int32Key(key);
+            std::copy(k1.begin(), k1.end(), h.data.begin() + 8);
+            status = h.update(h.data);
+        } else if (command == "delete") {
+            status = h.erase();
+        } else if (command == "add" && in >> key >> times >> arg) {
+            status = addTo(h, key, times, arg == "lock");
+        }
+        channel.writeLine(std::to_string(status));
+    }
+}
 
 TEST(ServerName, PrefixesAndWindowsPathsReachOneName) {
     EXPECT_EQ("/bridge.rdb", serverName("S:\\Shop\\BRIDGE.RDB", "S:\\Shop"));
@@ -101,4 +163,67 @@ TEST_F(ServerStore, ACutConnectionAnswersAStatusAndTheNextOpenConnectsAgain) {
     ASSERT_EQ(st::Ok, again.open(p));
     EXPECT_EQ(1u, again.count());
     EXPECT_EQ(st::Ok, again.find(op::GetEqual + op::Single, int32Key(10)));
+}
+
+TEST_F(ServerStore, AnotherWorkstationsLocksAndWritesRefuseTheWritesTheyMust) {
+    std::string p = makeFile(twoKeyFile());
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(p));
+    for (int k : {10, 20, 30})
+        ASSERT_EQ(st::Ok, h.insert(twoKeyRecord(k, k)));
+    ChildProcess desk("serverDesk");
+    ASSERT_EQ("0", desk.request("open " + p));
+
+    // Its multiple locks keep our locks, updates and deletes out until it lets them go.
+    ASSERT_EQ("0", desk.request("mlock 10"));
+    ASSERT_EQ("0", desk.request("mlock 20"));
+    ASSERT_EQ(st::Ok, h.find(op::GetEqual, int32Key(10)));
+    EXPECT_EQ(st::Locked, h.update(twoKeyRecord(11, 10)));
+    EXPECT_EQ(st::Locked, h.erase());
+    EXPECT_EQ(st::Locked, h.find(op::GetEqual + op::Single, int32Key(20)));
+    ASSERT_EQ("0", desk.request("unlock"));
+    ASSERT_EQ(st::Ok, h.find(op::GetEqual, int32Key(10)));
+    EXPECT_EQ(st::Ok, h.update(twoKeyRecord(11, 10)));
+
+    // A single lock moves with its next locking read and ends with its update.
+    ASSERT_EQ("0", desk.request("lock 20"));
+    ASSERT_EQ("0", desk.request("lock 30"));
+    EXPECT_EQ(st::Ok, h.find(op::GetEqual + op::Single, int32Key(20)));
+    EXPECT_EQ(st::Locked, h.find(op::GetEqual + op::Single, int32Key(30)));
+    ASSERT_EQ("0", desk.request("update 5"));
+    EXPECT_EQ(st::Ok, h.find(op::GetEqual + op::Single, int32Key(30)));
+
+    // A record the desk changed or deleted after we read it answers 80; nothing half done.
+    ASSERT_EQ(st::Ok, h.unlock(0));
+    ASSERT_EQ(st::Ok, h.find(op::GetEqual, int32Key(30)));
+    ASSERT_EQ("0", desk.request("lock 30"));
+    ASSERT_EQ("0", desk.request("update 7"));
+    EXPECT_EQ(st::Changed, h.update(twoKeyRecord(31, 30)));
+    EXPECT_EQ(st::Changed, h.erase());
+    ASSERT_EQ(st::Ok, h.find(op::GetEqual, int32Key(20)));
+    ASSERT_EQ("0", desk.request("lock 20"));
+    ASSERT_EQ("0", desk.request("delete"));
+    EXPECT_EQ(st::Changed, h.erase());
+    EXPECT_EQ(2u, h.count());
+    EXPECT_EQ(st::Duplicate, h.insert(twoKeyRecord(1, 30)));
+    EXPECT_EQ(2u, h.count());
+}
+
+// Two workstations add to one record at once, one under locks and one by plain reads: a lock
+// handed out on a record as a write commits must read that write, or an increment is lost.
+TEST_F(ServerStore, LockingAndPlainWritersAtOnceLoseNoWrite) {
+    std::string p = makeFile(twoKeyFile());
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(p));
+    ASSERT_EQ(st::Ok, h.insert(twoKeyRecord(1, 10)));
+    ChildProcess locking("serverDesk"), plain("serverDesk");
+    ASSERT_EQ("0", locking.request("open " + p));
+    ASSERT_EQ("0", plain.request("open " + p));
+    constexpr int times = 300;
+    locking.send("add 10 " + std::to_string(times) + " lock");
+    plain.send("add 10 " + std::to_string(times) + " plain");
+    EXPECT_EQ("0", locking.receive());
+    EXPECT_EQ("0", plain.receive());
+    ASSERT_EQ(st::Ok, h.find(op::GetEqual, int32Key(10)));
+    EXPECT_EQ(uint32_t(2 * times), tally(h.data));
 }
