@@ -44,7 +44,6 @@ struct ReportPatternTraits {
     using Record = tagReportDBData;
     static constexpr const char* kClassName = "REReportFile";
     static constexpr uint16_t kRecordLength = 408;
-    static constexpr bool kStaysOpenOnCorrupt = true;
     static constexpr const char* kCorruptText = nullptr;  // opens a file of any record length
     static constexpr const char* kUnknownErrorText = "Unknown error job database file. [Error# %d]";
     static constexpr const char* kCreateErrorText = "Unable to create job database file. [Error# %d]";
