@@ -1,4 +1,4 @@
-// The grade file: its specification, its record conversions and its searches by text, which read
+// The grade file: its record-file settings, its record conversions and its searches by text, which read
 // only in files of the earlier layout.
 #include "REGradeFile.h"
 #include "catalogue/CatalogueFiles.h"

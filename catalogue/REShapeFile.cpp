@@ -1,4 +1,4 @@
-// The shape file: its specification, the conversions of its records and descriptors, the
+// The shape file: its record-file settings, the conversions of its records and descriptors, the
 // search by shape code and the texts it gives to pick lists.
 #include "REShapeFile.h"
 #include "catalogue/CatalogueFiles.h"

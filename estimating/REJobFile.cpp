@@ -1,4 +1,4 @@
-// The estimate job item file: its specification for the record-file machinery, its record
+// The estimate job item file: its record-file settings, its record
 // conversions, and its key searches with wildcard filters and page renumbering on append.
 #include "REJobFile.h"
 #include "estimating/JobFileTraits.h"

@@ -1,4 +1,4 @@
-// The settings file: its specification, its record conversions, its searches by section, item
+// The settings file: its record-file settings, its record conversions, its searches by section, item
 // and sequence, and the lists and titles read from them.
 #include "REMaintFile.h"
 #include "catalogue/CatalogueFiles.h"

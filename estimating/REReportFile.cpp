@@ -1,4 +1,4 @@
-// The report definitions file: its specification, its reads by id and by group code, and the
+// The report definitions file: its record-file settings, its reads by id and by group code, and the
 // numbering of custom groups.
 #include "REReportFile.h"
 #include "RESharedHelpers.h"

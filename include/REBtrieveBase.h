@@ -14,7 +14,7 @@
 #include <type_traits>
 
 #pragma pack(push, 1)
-// File specification block written by Stat: record length, page size, number of keys, number of
+// File creation block written by Stat: record length, page size, number of keys, number of
 // records, file flags, then the key segment descriptions.
 struct STAT_BUFFER {
     int16_t recordLength;

@@ -1,4 +1,4 @@
-// The estimate's long multiplier table: its specification on the work-file shape.
+// The estimate's long multiplier table: its record-file settings on the work-file shape.
 #include "labor/MultiplierTraits.h"
 
 const RERecordFileSpec REEstMultLongFile::kSpec = REMakeSpec<EstMultLongTraits, REEstMultLongFile>();

@@ -1,4 +1,4 @@
-// The labor code description file: its specification and conversions, the key searches, the
+// The labor code description file: its record-file settings and conversions, the key searches, the
 // enumeration of group names, and the group-wise reads and writes with the validity test.
 #include "RELaborCodeDescFile.h"
 #include "labor/KeyedWrites.h"

@@ -1,4 +1,4 @@
-// The labor code file: its specification and conversions, the key searches with their filter,
+// The labor code file: its record-file settings and conversions, the key searches with their filter,
 // and the group-wise read and replacement of records.
 #include "RELaborCodeFile.h"
 #include "labor/KeyedWrites.h"

@@ -1,4 +1,4 @@
-// The labor group file: its specification and conversions, the filtered key search and the
+// The labor group file: its record-file settings and conversions, the filtered key search and the
 // change of a group's description.
 #include "RELaborGroupFile.h"
 #include "labor/LaborGroupTraits.h"

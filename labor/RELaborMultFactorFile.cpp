@@ -1,4 +1,4 @@
-// The labor multiplication factor file: its specification and conversions, the key searches
+// The labor multiplication factor file: its record-file settings and conversions, the key searches
 // (the filtered one, whose equal step value never matches, and the one past a key), and the
 // factor tables of a group read in ascending step value.
 #include "RELaborMultFactorFile.h"

@@ -1,4 +1,4 @@
-// The multiplier file: its specification and conversions, the code searches, and the add and
+// The multiplier file: its record-file settings and conversions, the code searches, and the add and
 // update that hand the record manager's status to the caller.
 #include "REMultiplierFile.h"
 #include "labor/MultiplierTraits.h"

@@ -1,4 +1,4 @@
-// The purchase tax file: the pattern's operations on its specification, and the update by code.
+// The purchase tax file: the pattern's operations on its record-file settings, and the update by code.
 #include "RETaxFile.h"
 #include "pricing/TaxFileTraits.h"
 

@@ -1,4 +1,4 @@
-// The production sort file: its specification on the work-file shape and the choice of the
+// The production sort file: its record-file settings on the work-file shape and the choice of the
 // report order.
 #include "REPdcCalcFile.h"
 #include "production/PdcCalcTraits.h"

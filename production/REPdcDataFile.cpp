@@ -1,4 +1,4 @@
-// The piece-data file: its specification, its conversions, and its searches by main and piece
+// The piece-data file: its record-file settings, its conversions, and its searches by main and piece
 // mark.
 #include "REPdcDataFile.h"
 #include "production/PdcDataFileTraits.h"

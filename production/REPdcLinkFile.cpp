@@ -1,4 +1,4 @@
-// The link file: its specification and conversions; everything else is the shared method set.
+// The link file: its record-file settings and conversions; everything else is the shared method set.
 #include "REPdcLinkFile.h"
 #include "production/PdcLinkFileTraits.h"
 

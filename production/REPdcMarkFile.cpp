@@ -1,4 +1,4 @@
-// The mark file: its specification, its conversions, and its reads and writes by mark.
+// The mark file: its record-file settings, its conversions, and its reads and writes by mark.
 #include "REPdcMarkFile.h"
 #include "production/PdcMarkFileTraits.h"
 

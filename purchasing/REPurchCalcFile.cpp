@@ -1,4 +1,4 @@
-// The purchasing work file: its specification on the work-file shape.
+// The purchasing work file: its record-file settings on the work-file shape.
 #include "REPurchCalcFile.h"
 #include "purchasing/PurchCalcTraits.h"
 

@@ -1,4 +1,4 @@
-// The file specification: what a create block describes, checked in the order Create answers.
+// The file layout: what a create block describes, checked in the order Create answers.
 //
 // Create block layout, little-endian (Stat writes the same with the counts filled in):
 //   OFFSET SIZE DESCRIPTION

@@ -236,7 +236,7 @@ public:
 class Store {
 public:
     virtual ~Store() = default;
-    // Create's file checks and the making of the file; the specification block is already valid. `replace` false
+    // Create's file checks and the making of the file; the creation block is already valid. `replace` false
     // refuses an existing file (59); a file open anywhere answers 25, a full disk 18.
     virtual Status create(const std::string& path, const FileSpec& spec, bool replace) = 0;
     // Names the file at `path` for an Open: StatusFileNotFound where there is none (or something

@@ -20,7 +20,7 @@ constexpr const char* Schema =
     "spec bytea NOT NULL, count bigint NOT NULL DEFAULT 0, nextrec bigint NOT NULL DEFAULT 0, "
     "seq bigint NOT NULL DEFAULT 0)";
 
-// An Open that named a file on the server: its id and specification as read.
+// An Open that named a file on the server: its id and creation block as read.
 class PgTicket final : public OpenTicket {
 public:
     PgTicket(std::shared_ptr<Connection> conn, std::string name, int64_t id, FileSpec spec)
