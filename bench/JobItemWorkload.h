@@ -196,4 +196,23 @@ inline std::vector<uint32_t> shuffled(uint32_t n, std::mt19937& rng)
     return v;
 }
 
+// One operation's µs per call on each side, in the order the sides were given.
+struct Row {
+    std::string name;
+    std::vector<double> us;
+};
+
+// The reads: get equal in random order, a whole key scan and a whole physical scan.
+inline void readRows(uint32_t n, const std::vector<Side*>& sides, const std::vector<uint32_t>& lookups, std::vector<Row>& rows)
+{
+    rows.push_back({"get equal", interleaved(n, sides, [&](Side& s, size_t i) { s.getEqual(lookups[i]); })});
+    rows.push_back({"get next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.keyStep(i), "key scan"); })});
+    for (Side* s : sides)
+        check(!s->keyStep(n), "end of the key scan");
+    rows.push_back(
+        {"step next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.physicalStep(i), "physical scan"); })});
+    for (Side* s : sides)
+        check(!s->physicalStep(n), "end of the physical scan");
+}
+
 }  // namespace bench

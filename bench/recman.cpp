@@ -449,10 +449,6 @@ struct StoreSchemaSide final : Side {
     }
 };
 
-struct Row {
-    std::string name;
-    std::vector<double> us;  // tarsel, SQLite, LMDB[, store schema]
-};
 
 void printRows(const char* title, const std::vector<Row>& rows)
 {
@@ -475,18 +471,6 @@ double peakMegabytes()
     return double(u.ru_maxrss) / 1024.0;
 }
 
-// The reads: get equal in random order, a whole key scan and a whole physical scan.
-void readRows(uint32_t n, const std::vector<Side*>& sides, const std::vector<uint32_t>& lookups, std::vector<Row>& rows)
-{
-    rows.push_back({"get equal", interleaved(n, sides, [&](Side& s, size_t i) { s.getEqual(lookups[i]); })});
-    rows.push_back({"get next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.keyStep(i), "key scan"); })});
-    for (Side* s : sides)
-        check(!s->keyStep(n), "end of the key scan");
-    rows.push_back(
-        {"step next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.physicalStep(i), "physical scan"); })});
-    for (Side* s : sides)
-        check(!s->physicalStep(n), "end of the physical scan");
-}
 
 }  // namespace
 

@@ -170,24 +170,13 @@ int main(int argc, char** argv)
     std::mt19937 rng(7);
     const std::vector<uint32_t> order = shuffled(n, rng);
     std::vector<uint32_t> lookups = shuffled(n, rng);
-    struct Row {
-        const char* name;
-        std::vector<double> us;
-    };
     std::vector<Row> rows;
     {
         EngineSide e("/bench/server/JOBITEMS.DAT");
         RawServer raw(conninfo);
         const std::vector<Side*> sides = {&e, &raw};
         rows.push_back({"insert", interleaved(n, sides, [&](Side& s, size_t i) { s.insert(order[i]); })});
-        rows.push_back({"get equal", interleaved(n, sides, [&](Side& s, size_t i) { s.getEqual(lookups[i]); })});
-        rows.push_back({"get next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.keyStep(i), "key scan"); })});
-        for (Side* s : sides)
-            check(!s->keyStep(n), "end of the key scan");
-        rows.push_back(
-            {"step next scan", interleaved(n, sides, [](Side& s, size_t i) { check(s.physicalStep(i), "physical scan"); })});
-        for (Side* s : sides)
-            check(!s->physicalStep(n), "end of the physical scan");
+        readRows(n, sides, lookups, rows);
         std::shuffle(lookups.begin(), lookups.end(), rng);
         rows.push_back({"update", interleaved(n, sides, [&](Side& s, size_t i) { s.update(lookups[i]); })});
         std::shuffle(lookups.begin(), lookups.end(), rng);
@@ -197,6 +186,6 @@ int main(int argc, char** argv)
                 "round trip per operation)\n", n, unsigned(kRecordLength));
     std::printf("%-15s %9s %11s %8s\n", "operation", "tarsel", "raw libpq", "ratio");
     for (const Row& r : rows)
-        std::printf("%-15s %9.2f %11.2f %8.2f\n", r.name, r.us[0], r.us[1], r.us[0] / r.us[1]);
+        std::printf("%-15s %9.2f %11.2f %8.2f\n", r.name.c_str(), r.us[0], r.us[1], r.us[0] / r.us[1]);
     return 0;
 }

@@ -25,7 +25,7 @@ inline std::string tableOf(int64_t id)
 // The statements that make file `id`'s record table and its indexes for `spec`.
 std::string createTable(int64_t id, const FileSpec& spec);
 
-// The creation block in column `col` of a result's first row, and the spec it describes;
+// The creation block in column `col` of a result's first row, and the file layout it gives;
 // StatusNotEngineFile when it describes none.
 Status specOf(const Result& r, int col, std::string& block, FileSpec& spec);
 
