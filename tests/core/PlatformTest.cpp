@@ -59,6 +59,14 @@ TEST(Platform, SplitAndMakePathAreInverse) {
         {"/data/proj/JOB1", "/data/proj/", "JOB1", ""},
         {"/data/a.b/JOB1.x.RDB", "/data/a.b/", "JOB1.x", ".RDB"},
         {"/data/proj/", "/data/proj/", "", ""},
+#if defined(_WIN32)
+        // Either separator, drive letters and shares.
+        {"C:\\data\\proj\\JOB1.RDB", "C:\\data\\proj\\", "JOB1", ".RDB"},
+        {"C:\\data/proj\\JOB1.RDB", "C:\\data/proj\\", "JOB1", ".RDB"},
+        {"C:JOB1.RDB", "C:", "JOB1", ".RDB"},
+        {"C:\\JOB1", "C:\\", "JOB1", ""},
+        {"\\\\server\\share\\JOB1.RDP", "\\\\server\\share\\", "JOB1", ".RDP"},
+#endif
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.path);
@@ -69,6 +77,10 @@ TEST(Platform, SplitAndMakePathAreInverse) {
         EXPECT_EQ(platform::MakePath(parts.directory, parts.name, parts.extension), c.path);
     }
     EXPECT_EQ(platform::MakePath("/data", "JOB1", "RDK"), std::string("/data") + platform::PathSeparator() + "JOB1.RDK");
+#if defined(_WIN32)
+    EXPECT_EQ(platform::MakePath("C:/data", "JOB1", ".RDK"), "C:/data\\JOB1.RDK");
+    EXPECT_EQ(platform::MakePath("C:", "JOB1", "RDK"), "C:JOB1.RDK");
+#endif
 }
 
 TEST(Platform, WholeFileOperations) {

@@ -59,35 +59,6 @@ TEST(WindowsPlatform, ComputerNameIsTheNetBiosName) {
     EXPECT_EQ(name.find('\0'), std::string::npos);
 }
 
-TEST(WindowsPlatform, PathsTakeEitherSeparatorAndDriveLetters) {
-    EXPECT_EQ(platform::PathSeparator(), '\\');
-    struct Case {
-        const char* path;
-        const char* directory;
-        const char* name;
-        const char* extension;
-    };
-    const Case cases[] = {
-        {"C:\\data\\proj\\JOB1.RDB", "C:\\data\\proj\\", "JOB1", ".RDB"},
-        {"C:/data/proj/JOB1.RDB", "C:/data/proj/", "JOB1", ".RDB"},
-        {"C:\\data/proj\\JOB1.RDB", "C:\\data/proj\\", "JOB1", ".RDB"},
-        {"C:JOB1.RDB", "C:", "JOB1", ".RDB"},
-        {"C:\\JOB1", "C:\\", "JOB1", ""},
-        {"\\\\server\\share\\JOB1.RDP", "\\\\server\\share\\", "JOB1", ".RDP"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.path);
-        const platform::PathParts parts = platform::SplitPath(c.path);
-        EXPECT_EQ(parts.directory, c.directory);
-        EXPECT_EQ(parts.name, c.name);
-        EXPECT_EQ(parts.extension, c.extension);
-        EXPECT_EQ(platform::MakePath(parts.directory, parts.name, parts.extension), c.path);
-    }
-    EXPECT_EQ(platform::MakePath("C:\\data", "JOB1", "RDK"), "C:\\data\\JOB1.RDK");
-    EXPECT_EQ(platform::MakePath("C:/data", "JOB1", ".RDK"), "C:/data\\JOB1.RDK");
-    EXPECT_EQ(platform::MakePath("C:", "JOB1", "RDK"), "C:JOB1.RDK");
-}
-
 TEST(WindowsPlatform, WholeFileOperationsWithMixedSeparators) {
     testsupport::TempDir dir;
     std::string base = dir.path().string();
