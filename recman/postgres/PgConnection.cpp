@@ -3,6 +3,8 @@
 #include <libpq-fe.h>
 
 #include <cstring>
+#include <string>
+#include <unistd.h>
 
 namespace recman::postgres {
 
@@ -94,7 +96,21 @@ void Result::bytes(int row, int col, std::string& out) const
     out.assign(PQgetvalue(m_result, row, col), size_t(PQgetlength(m_result, row, col)));
 }
 
-Connection::Connection(const std::string& conninfo) : m_conn(PQconnectdb(conninfo.c_str())) {}
+namespace {
+
+// The session is named after this process ("tarsel 4711") unless the connection string names it:
+// the server's activity view then shows which workstation process holds a session.
+pg_conn* Connect(const std::string& conninfo)
+{
+    const std::string name = "tarsel " + std::to_string(::getpid());
+    const char* const keys[] = {"dbname", "fallback_application_name", nullptr};
+    const char* const values[] = {conninfo.c_str(), name.c_str(), nullptr};
+    return PQconnectdbParams(keys, values, 1);
+}
+
+}  // namespace
+
+Connection::Connection(const std::string& conninfo) : m_conn(Connect(conninfo)) {}
 
 Connection::~Connection() { PQfinish(m_conn); }
 

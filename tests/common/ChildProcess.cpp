@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "ServerStore.h"
 
 #include <cerrno>
 #include <csignal>
@@ -8,6 +9,7 @@
 #include <fcntl.h>
 #include <map>
 #include <stdexcept>
+#include <thread>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -156,9 +158,24 @@ std::string ChildProcess::receive() {
 }
 
 void ChildProcess::kill() {
-    if (m_pid > 0)
-        ::kill(m_pid, SIGKILL);
+    const pid_t pid = m_pid;
+    if (pid > 0)
+        ::kill(pid, SIGKILL);
     reap();
+    if (pid > 0)
+        AwaitSessionEnd(pid);
+}
+
+void ChildProcess::AwaitSessionEnd(pid_t pid) {
+    // A server notices a killed client's closed connection a moment later; until its session has
+    // ended, the client's record locks and exclusive opens still stand.
+    const PostgresServer* server = ActiveServer();
+    if (!server)
+        return;
+    const std::string sessions =
+        "SELECT count(*) FROM pg_stat_activity WHERE application_name='tarsel " + std::to_string(pid) + "'";
+    for (int tries = 0; tries < 200 && server->sql(sessions) != "0"; ++tries)
+        std::this_thread::sleep_for(std::chrono::milliseconds(25));
 }
 
 int ChildProcess::finish() {

@@ -53,7 +53,7 @@ public:
         send(line);
         return receive();
     }
-    // Kills the child with SIGKILL and reaps it.
+    // Kills the child with SIGKILL and reaps it; on a server, also waits until its session has ended.
     void kill();
     // Closes the child's input and waits for it; its exit status, or -1 when it did not exit normally.
     int finish();
@@ -63,6 +63,7 @@ public:
 
 private:
     void reap();
+    static void AwaitSessionEnd(pid_t pid);
 
     pid_t m_pid = -1;
     int m_toChild = -1;

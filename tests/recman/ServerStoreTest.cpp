@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <sstream>
+#include <unistd.h>
 
 using namespace conformance;
 using recman::postgres::serverName;
@@ -151,6 +152,9 @@ TEST_F(ServerStore, ACutConnectionAnswersAStatusAndTheNextOpenConnectsAgain) {
     ASSERT_EQ(st::Ok, h.open(p));
     ASSERT_EQ(st::Ok, h.insert(twoKeyRecord(1, 10)));
     ASSERT_EQ(st::Ok, h.find(op::GetEqual + op::Single, int32Key(10)));
+    // The session is named after this process, so the server's activity view can tell whose it is.
+    EXPECT_EQ("1", testsupport::ActiveServer()->sql("SELECT count(*) FROM pg_stat_activity WHERE application_name='tarsel " +
+                                                     std::to_string(::getpid()) + "'"));
     const std::string ended = testsupport::ActiveServer()->sql(
         "SELECT count(*) FROM (SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE "
         "backend_type='client backend' AND pid<>pg_backend_pid()) t");
