@@ -56,9 +56,11 @@ int64_t steadyMs()
 // never starts with a store call half done by a thread it does not have.
 std::mutex g_releasing;
 
+#if !defined(_WIN32)
 void forkPrepare() { g_releasing.lock(); }
 void forkParent() { g_releasing.unlock(); }
 void forkChild() { g_releasing.unlock(); }
+#endif
 
 // Ends an Open's hold on the file, however the Open ends.
 struct EndOpen {
@@ -220,6 +222,8 @@ void Engine::noteCall(SharedFile& file)
         std::call_once(atfork, [] { pthread_atfork(forkPrepare, forkParent, forkChild); });
 #endif
         try {
+            // The releaser waits inside the library for as long as the process runs.
+            platform::keepLibraryLoaded();
             std::thread(&Engine::releaseIdleFiles, this).detach();
             m_releaserStarted = true;
         } catch (...) {

@@ -50,6 +50,10 @@ std::string hostName();
 // A random 64-bit value, different in every process.
 uint64_t randomToken();
 
+// Keeps the library that holds this code loaded until the process ends, whatever the application
+// unloads: a thread of the library must never find its code gone.
+void keepLibraryLoaded();
+
 // Registers `handler` to run in the child after every fork (where processes fork at all).
 void callInChildAfterFork(void (*handler)());
 

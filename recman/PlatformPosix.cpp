@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include <dlfcn.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -78,6 +79,14 @@ bool canRead(const std::string& path) { return ::access(path.c_str(), R_OK) == 0
 bool canWrite(const std::string& path) { return ::access(path.c_str(), W_OK) == 0; }
 
 void callInChildAfterFork(void (*handler)()) { pthread_atfork(nullptr, nullptr, handler); }
+
+void keepLibraryLoaded()
+{
+    // The handle is never closed: the library stays until the process ends.
+    Dl_info self{};
+    if (::dladdr(reinterpret_cast<void*>(&keepLibraryLoaded), &self) && self.dli_fname)
+        ::dlopen(self.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+}
 
 bool replaceFile(const std::string& from, const std::string& to) { return std::rename(from.c_str(), to.c_str()) == 0; }
 

@@ -98,6 +98,13 @@ bool canWrite(const std::string& path) { return ::_access(path.c_str(), 2) == 0;
 // Windows processes do not fork: nothing to register.
 void callInChildAfterFork(void (*)()) {}
 
+void keepLibraryLoaded()
+{
+    HMODULE self = nullptr;
+    ::GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                         reinterpret_cast<LPCSTR>(&keepLibraryLoaded), &self);
+}
+
 bool replaceFile(const std::string& from, const std::string& to)
 {
     return ::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;

@@ -8,10 +8,12 @@
 #include "core/Platform.cpp"
 
 #include "../core/SmallCodeFile.h"
+#include "BTRCALL.h"
 #include "REErrorMessages.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <fstream>
 
 namespace {
@@ -102,6 +104,47 @@ TEST(WindowsPlatform, TheEngineIsNeitherStartedNorStopped) {
     EXPECT_EQ(child.request("still here"), "still here");
     EXPECT_EQ(child.finish(), 0);
     ::CloseHandle(info.hProcess);
+}
+
+// An application may load the library by a name of its own and unload it again. Once a read has
+// started the engine's idle thread, the unload leaves the library in place instead of pulling
+// the thread's code out from under it.
+TEST(WindowsPlatform, TheLibraryStaysLoadedOnceItsEngineRunsAThread) {
+    char linked[MAX_PATH] = {};
+    ASSERT_GT(::GetModuleFileNameA(::GetModuleHandleA("tarsel.dll"), linked, MAX_PATH), 0u);
+    const fs::path copy = fs::path(linked).parent_path() / "tarsel-loaded-again.dll";
+    ASSERT_TRUE(::CopyFileA(linked, copy.string().c_str(), FALSE));
+    HMODULE again = ::LoadLibraryA(copy.string().c_str());
+    ASSERT_NE(again, nullptr);
+    const auto call = reinterpret_cast<decltype(&BTRCALL)>(reinterpret_cast<void (*)()>(::GetProcAddress(again, "BTRCALL")));
+    ASSERT_NE(call, nullptr);
+
+    testsupport::TempDir dir;
+    char key[255] = {};
+    const std::string path = (dir.path() / "again.dat").string();
+    std::memcpy(key, path.c_str(), path.size() + 1);
+    uint8_t block[32] = {16, 0, 0, 2, 1};  // 16-byte records, 512-byte pages, one key:
+    block[16] = 1;                          // the first 4 bytes
+    block[18] = 4;
+    uint32_t length = sizeof block;
+    ASSERT_EQ(call(14, nullptr, block, &length, key, 255, 0), 0);
+    char position[128] = {};
+    ASSERT_EQ(call(0, position, nullptr, nullptr, key, 255, 0), 0);
+    uint8_t record[16] = {};
+    for (uint8_t i = 0; i < 3; ++i) {
+        record[0] = i;
+        length = sizeof record;
+        ASSERT_EQ(call(2, position, record, &length, key, 255, 0), 0);
+    }
+    length = sizeof record;
+    ASSERT_EQ(call(12, position, record, &length, key, 255, 0), 0);
+    length = sizeof record;
+    ASSERT_EQ(call(6, position, record, &length, key, 255, 0), 0);
+    ASSERT_EQ(call(1, position, nullptr, nullptr, key, 255, 0), 0);
+
+    ::FreeLibrary(again);
+    ::Sleep(20);
+    EXPECT_EQ(::GetModuleHandleA(copy.filename().string().c_str()), again);
 }
 
 TEST(WindowsPlatform, AKilledChildEndsWithoutAnExitStatus) {
