@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <map>
 #include <stdexcept>
 #include <thread>
 #include <sys/wait.h>
@@ -20,60 +19,15 @@ namespace testsupport {
 
 namespace {
 
-// Function-local so that registrations from any translation unit find it constructed.
-std::map<std::string, ChildRoutine>& Registry() {
-    static std::map<std::string, ChildRoutine> registry;
-    return registry;
-}
-
-void WriteAll(int fd, const char* data, size_t size) {
-    while (size > 0) {
-        ssize_t written = ::write(fd, data, size);
-        if (written < 0) {
-            if (errno == EINTR)
-                continue;
-            return;
-        }
-        data += written;
-        size -= static_cast<size_t>(written);
-    }
-}
-
-// Reads from fd into buffer until it holds a full line; false at end of input with no full line.
-bool ReadLine(int fd, std::string& buffer, std::string& line) {
-    for (;;) {
-        size_t end = buffer.find('\n');
-        if (end != std::string::npos) {
-            line = buffer.substr(0, end);
-            buffer.erase(0, end + 1);
-            return true;
-        }
-        char chunk[512];
-        ssize_t got = ::read(fd, chunk, sizeof chunk);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            return false;
-        buffer.append(chunk, static_cast<size_t>(got));
-    }
-}
-
 // Runs the routine the environment names, then ends the process without returning to the test
 // framework. Does nothing in an ordinary test run.
 int DispatchChild() {
     const char* wanted = std::getenv(kChildRoutineVariable);
     if (wanted == nullptr)
         return 0;
-    std::string name = wanted;
+    const std::string name = wanted;
     ::unsetenv(kChildRoutineVariable);
-    auto found = Registry().find(name);
-    if (found == Registry().end()) {
-        std::fprintf(stderr, "no child routine named '%s'\n", name.c_str());
-        std::_Exit(127);
-    }
-    ChildChannel channel;
-    found->second(channel);
-    std::fflush(nullptr);
+    RunChildRoutine(name);
     ::_exit(0);
 }
 
@@ -81,18 +35,9 @@ const int g_dispatched = DispatchChild();
 
 }  // namespace
 
-bool ChildChannel::readLine(std::string& line) { return ReadLine(STDIN_FILENO, m_buffer, line); }
-
-void ChildChannel::writeLine(const std::string& line) {
-    std::string message = line + "\n";
-    WriteAll(STDOUT_FILENO, message.data(), message.size());
-}
-
-void RegisterChildRoutine(const char* name, ChildRoutine routine) { Registry().emplace(name, routine); }
-
 ChildProcess::ChildProcess(const std::string& routine) {
     (void)g_dispatched;
-    if (Registry().find(routine) == Registry().end())
+    if (!ChildRoutineExists(routine))
         throw std::invalid_argument("no child routine named " + routine);
     // A child that died must not kill the test through SIGPIPE on the next send.
     std::signal(SIGPIPE, SIG_IGN);
@@ -143,20 +88,6 @@ ChildProcess::~ChildProcess() {
         ::close(m_fromChild);
 }
 
-void ChildProcess::send(const std::string& line) {
-    if (m_toChild < 0)
-        return;
-    std::string message = line + "\n";
-    WriteAll(m_toChild, message.data(), message.size());
-}
-
-std::string ChildProcess::receive() {
-    std::string line;
-    if (m_fromChild < 0 || !ReadLine(m_fromChild, m_buffer, line))
-        return kEnded;
-    return line;
-}
-
 void ChildProcess::kill() {
     const pid_t pid = m_pid;
     if (pid > 0)
@@ -176,11 +107,6 @@ void ChildProcess::AwaitSessionEnd(pid_t pid) {
         "SELECT count(*) FROM pg_stat_activity WHERE application_name='tarsel " + std::to_string(pid) + "'";
     for (int tries = 0; tries < 200 && server->sql(sessions) != "0"; ++tries)
         std::this_thread::sleep_for(std::chrono::milliseconds(25));
-}
-
-int ChildProcess::finish() {
-    reap();
-    return m_exitStatus;
 }
 
 void ChildProcess::reap() {

@@ -34,6 +34,11 @@ using ChildRoutine = void (*)(ChildChannel& channel);
 // Adds a routine to the registry; registering a name twice keeps the first routine.
 void RegisterChildRoutine(const char* name, ChildRoutine routine);
 
+// For the platform halves of the helper: whether a routine of that name is registered, and
+// running it as the child (a name not registered ends the process with status 127).
+bool ChildRoutineExists(const std::string& name);
+void RunChildRoutine(const std::string& name);
+
 struct ChildRoutineRegistrar {
     ChildRoutineRegistrar(const char* name, ChildRoutine routine) { RegisterChildRoutine(name, routine); }
 };

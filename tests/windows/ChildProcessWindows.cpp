@@ -20,11 +20,6 @@ namespace {
 // Exit code a killed child is given, told apart from any code a routine returns.
 constexpr UINT kKilledExitCode = 0xDEAD;
 
-std::map<std::string, ChildRoutine>& Registry() {
-    static std::map<std::string, ChildRoutine> registry;
-    return registry;
-}
-
 // Process handles of running children by process id (the header keeps the id only).
 std::mutex g_processesMutex;
 std::map<pid_t, HANDLE>& Processes() {
@@ -36,49 +31,16 @@ std::map<pid_t, HANDLE>& Processes() {
 // created, so that no other child inherits them or sees the variable.
 std::mutex g_createMutex;
 
-void WriteAll(int fd, const char* data, size_t size) {
-    while (size > 0) {
-        const int written = ::_write(fd, data, static_cast<unsigned>(size));
-        if (written <= 0)
-            return;
-        data += written;
-        size -= static_cast<size_t>(written);
-    }
-}
-
-bool ReadLine(int fd, std::string& buffer, std::string& line) {
-    for (;;) {
-        const size_t end = buffer.find('\n');
-        if (end != std::string::npos) {
-            line = buffer.substr(0, end);
-            buffer.erase(0, end + 1);
-            return true;
-        }
-        char chunk[512];
-        const int got = ::_read(fd, chunk, sizeof chunk);
-        if (got <= 0)
-            return false;
-        buffer.append(chunk, static_cast<size_t>(got));
-    }
-}
-
 int DispatchChild() {
     const char* wanted = std::getenv(kChildRoutineVariable);
     if (wanted == nullptr || wanted[0] == '\0')
         return 0;
     const std::string name = wanted;
     ::SetEnvironmentVariableA(kChildRoutineVariable, nullptr);
-    const auto found = Registry().find(name);
-    if (found == Registry().end()) {
-        std::fprintf(stderr, "no child routine named '%s'\n", name.c_str());
-        std::_Exit(127);
-    }
     // Lines, not text: no carriage returns are added or taken away.
     ::_setmode(0, _O_BINARY);
     ::_setmode(1, _O_BINARY);
-    ChildChannel channel;
-    found->second(channel);
-    std::fflush(nullptr);
+    RunChildRoutine(name);
     std::_Exit(0);
 }
 
@@ -94,18 +56,9 @@ HANDLE Inheritable(HANDLE handle) {
 
 }  // namespace
 
-bool ChildChannel::readLine(std::string& line) { return ReadLine(0, m_buffer, line); }
-
-void ChildChannel::writeLine(const std::string& line) {
-    const std::string message = line + "\n";
-    WriteAll(1, message.data(), message.size());
-}
-
-void RegisterChildRoutine(const char* name, ChildRoutine routine) { Registry().emplace(name, routine); }
-
 ChildProcess::ChildProcess(const std::string& routine) {
     (void)g_dispatched;
-    if (Registry().find(routine) == Registry().end())
+    if (!ChildRoutineExists(routine))
         throw std::invalid_argument("no child routine named " + routine);
 
     char program[MAX_PATH];
@@ -167,31 +120,12 @@ ChildProcess::~ChildProcess() {
         ::_close(m_fromChild);
 }
 
-void ChildProcess::send(const std::string& line) {
-    if (m_toChild < 0)
-        return;
-    const std::string message = line + "\n";
-    WriteAll(m_toChild, message.data(), message.size());
-}
-
-std::string ChildProcess::receive() {
-    std::string line;
-    if (m_fromChild < 0 || !ReadLine(m_fromChild, m_buffer, line))
-        return kEnded;
-    return line;
-}
-
 void ChildProcess::kill() {
     if (m_pid > 0) {
         std::lock_guard<std::mutex> lock(g_processesMutex);
         ::TerminateProcess(Processes()[m_pid], kKilledExitCode);
     }
     reap();
-}
-
-int ChildProcess::finish() {
-    reap();
-    return m_exitStatus;
 }
 
 void ChildProcess::reap() {

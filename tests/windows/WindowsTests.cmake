@@ -9,6 +9,7 @@ add_subdirectory(${TARSEL_GOOGLETEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCL
 set(windows_dir ${CMAKE_CURRENT_SOURCE_DIR}/windows)
 add_library(tarsel_testsupport STATIC
   ${CMAKE_CURRENT_SOURCE_DIR}/common/TestSupport.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/common/ChildChannel.cpp
   ${windows_dir}/ChildProcessWindows.cpp)
 target_include_directories(tarsel_testsupport PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/common)
 target_link_libraries(tarsel_testsupport PUBLIC tarsel::tarsel gtest)
