@@ -177,15 +177,15 @@ TEST_F(Calls, ChecksRunInOrder) {
 
 TEST_F(Calls, ThreadsWorkOnOneFileAndOnSeveral) {
     makeFile(twoKeyFile(), "shared.dat");
-    for (int i = 0; i < 2; ++i)
-        makeFile(twoKeyFile(), "own" + std::to_string(i) + ".dat");
     constexpr int kThreads = 4, kRecords = 40;
     std::vector<int16_t> failures(kThreads, 0);
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([&, t] {
+            // Each thread also creates a file of its own while the others work.
+            const std::string mine = path("own" + std::to_string(t) + ".dat");
             Handle shared, own;
-            if (shared.open(path("shared.dat")) || own.open(path("own" + std::to_string(t % 2) + ".dat")))
+            if (shared.open(path("shared.dat")) || create(mine, twoKeyFile()) || own.open(mine))
                 failures[t] = -1;
             for (int i = 0; i < kRecords && failures[t] == 0; ++i) {
                 int32_t key = t * 1000 + i;
@@ -196,6 +196,8 @@ TEST_F(Calls, ThreadsWorkOnOneFileAndOnSeveral) {
                 else if (int16_t s3 = shared.find(op::GetEqual, int32Key(key)); s3 != st::Ok)
                     failures[t] = s3;
             }
+            if (failures[t] == 0 && (own.count() != uint32_t(kRecords) || shared.close() || own.close()))
+                failures[t] = -2;
         });
     }
     for (auto& thread : threads)

@@ -38,6 +38,9 @@ TEST_F(Create, ReplacesOrRefusesAnExistingFile) {
         EXPECT_EQ(1u, h.count());
     }
     EXPECT_EQ(st::Exists, create(p, twoKeyFile(), -1));
+    Bytes bad = createBlock(twoKeyFile());
+    put(bad, 2, le(100, 2));
+    EXPECT_EQ(st::BadBlock, createRaw(p, bad, uint32_t(bad.size()), -1)) << "the block is checked before the file";
     FileLayout other{32, {{seg(1, 2, type::Integer)}}};
     ASSERT_EQ(st::Ok, create(p, other, 0));
     Handle h;
@@ -63,6 +66,7 @@ const CreateFlaw kCreateFlaws[] = {
     {"page size 1000", st::BadBlock, [](Bytes& b, uint32_t&) { put(b, 2, le(1000, 2)); }},
     {"page size 4608", st::BadBlock, [](Bytes& b, uint32_t&) { put(b, 2, le(4608, 2)); }},
     {"page size 12288", st::BadBlock, [](Bytes& b, uint32_t&) { put(b, 2, le(12288, 2)); }},
+    {"page size 32768", st::BadBlock, [](Bytes& b, uint32_t&) { put(b, 2, le(32768, 2)); }},
     {"page size beats key count", st::BadBlock,
      [](Bytes& b, uint32_t&) { put(b, 2, le(100, 2)), put(b, 4, le(120, 2)); }},
     {"120 keys", st::TooMany, [](Bytes& b, uint32_t&) { put(b, 4, le(120, 2)); }},
@@ -81,6 +85,7 @@ const CreateFlaw kCreateFlaws[] = {
      [](Bytes& b, uint32_t&) { setSeg(b, 0, 4, 0x1100, 2), setSeg(b, 0, 10, 3, 1); }},
     {"type 3", st::BadType, [](Bytes& b, uint32_t&) { setSeg(b, 0, 10, 3, 1); }},
     {"type 8", st::BadType, [](Bytes& b, uint32_t&) { setSeg(b, 0, 10, 8, 1); }},
+    {"type 12", st::BadType, [](Bytes& b, uint32_t&) { setSeg(b, 0, 10, 12, 1); }},
     {"type 13", st::BadType, [](Bytes& b, uint32_t&) { setSeg(b, 0, 10, 13, 1); }},
     {"type 16", st::BadType, [](Bytes& b, uint32_t&) { setSeg(b, 0, 10, 16, 1); }},
     {"type beats length", st::BadType,
@@ -121,16 +126,28 @@ TEST_F(Create, ChecksSegmentsInOrderAndKeysByTheirTotalLength) {
     // The first segment's fault decides, though a later one has an earlier-listed fault.
     FileLayout twoFaults{32, {{seg(0, 4, type::Integer), seg(1, 4, 3)}}};
     EXPECT_EQ(st::BadPosition, create(path(), twoFaults));
-    // 200 + 100 bytes in one key.
-    FileLayout longKey{400, {{seg(1, 200, type::String), seg(201, 100, type::String)}}};
-    EXPECT_EQ(st::BadKeyLength, create(path(), longKey));
-    // 120 segments in all, across two keys: the count is over every key.
+    // A segment of a later key past the record.
+    EXPECT_EQ(st::BadPosition, create(path(), {32, {{seg(1, 4, type::Integer)}, {seg(26, 8, type::Unsigned)}}}));
+    // A key of 256 bytes in two segments; 255 is the most.
+    EXPECT_EQ(st::BadKeyLength, create(path(), {400, {{seg(1, 200, type::String), seg(201, 56, type::String)}}}));
+    EXPECT_EQ(st::Ok, create(path("k255.dat"), {400, {{seg(1, 200, type::String), seg(201, 55, type::String)}}}));
+    // 120 segments in all, across two keys: the count is over every key, and comes before the
+    // flags of the last segment.
     Key sixty;
     for (uint16_t i = 0; i < 60; ++i)
         sixty.push_back(seg(i + 1, 1, type::String));
-    EXPECT_EQ(st::TooMany, create(path(), {200, {sixty, sixty}}));
+    Key badLast = sixty;
+    badLast.back().flags |= kf::AltCollation;
+    EXPECT_EQ(st::TooMany, create(path(), {200, {sixty, badLast}}));
     sixty.pop_back();
     EXPECT_EQ(st::Ok, create(path("ok.dat"), {200, {sixty, sixty, {seg(1, 1, type::String)}}}));
+    // 119 segments in one key, and 119 keys of one segment each.
+    Key all119 = sixty;
+    all119.insert(all119.end(), sixty.begin(), sixty.end());
+    all119.push_back(seg(1, 1, type::String));
+    EXPECT_EQ(st::Ok, create(path("one.dat"), {200, {all119}}));
+    std::vector<Key> keys119(119, Key{seg(1, 1, type::Unsigned, kf::Dup)});
+    EXPECT_EQ(st::Ok, create(path("many.dat"), {200, keys119}));
     EXPECT_FALSE(fs::exists(path()));
 }
 
@@ -142,8 +159,10 @@ TEST_F(Create, AcceptsEveryOfferedTypeAndPageSize) {
         seg(1, 8, type::Unsigned),       seg(1, 2, type::AutoIncrement),
         {1, 254, kf::Binary, 0, 0},      {1, 7, kf::NoEffect, 0, 0},
         seg(1, 4, type::Integer, kf::Descending | kf::NoCase | kf::Null | kf::AnyNull),
+        seg(1, 4, type::String, kf::NoEffect),
         {1, 3, 0, 3, 0},                             // the type byte counts only with 0x0100
         seg(1, 3, type::String, kf::Binary),         // 0x0004 counts only without it
+        seg(297, 4, type::Integer),                  // ends on the record's last byte
     };
     int n = 0;
     for (const Segment& s : offered) {
@@ -154,6 +173,10 @@ TEST_F(Create, AcceptsEveryOfferedTypeAndPageSize) {
         SCOPED_TRACE(page);
         EXPECT_EQ(st::Ok, create(path("p" + std::to_string(page)), {uint16_t(page - 8), {}, 0, page}));
     }
+    // Without keys the descriptions that follow are not read.
+    Bytes noKeys = createBlock({32, {}});
+    noKeys.resize(kHeaderSize + kSegmentSize, 0xFF);
+    EXPECT_EQ(st::Ok, createRaw(path("nokeys.dat"), noKeys, uint32_t(noKeys.size())));
 }
 
 TEST_F(Create, CannotMakeTheFile) {

@@ -45,6 +45,13 @@ TEST_F(Faults, FailedWritesChangeNothing) {
         EXPECT_EQ((std::vector<int>{1, 2, 3}), tags(h.readAll(1)));
         ASSERT_EQ(st::Ok, h.insert(fresh));
         EXPECT_EQ(int32Key(4), slice(h.written, 4, 4)) << "no value was used up by the failed insert";
+        if (fault == Fault::IoError) {  // an open that cannot read the file
+            ASSERT_EQ(st::Ok, h.close());
+            vfs.failReads(fault);
+            EXPECT_EQ(status, h.open(path("f" + std::to_string(status))));
+            vfs.clear();
+            EXPECT_EQ(st::Ok, h.open(path("f" + std::to_string(status))));
+        }
     }
 }
 

@@ -16,7 +16,7 @@ using FileOps = Conformance;
 
 FileLayout sampleLayout() {
     return {64,
-            {{seg(1, 10, type::ZString, kf::Modifiable | kf::NoCase), seg(11, 4, type::Unsigned)},
+            {{seg(1, 10, type::ZString, kf::Modifiable | kf::NoCase), seg(11, 4, type::Unsigned, 0, 0x14)},
              {seg(21, 8, type::Integer, kf::Dup | kf::Descending)}},
             0x0040,
             1024};
@@ -53,11 +53,13 @@ TEST_F(FileOps, StatReportsTheBlockAsCreatedWithTheRecordCount) {
 
     Handle h;
     ASSERT_EQ(st::Ok, h.open(p));
-    Bytes stat;
-    ASSERT_EQ(st::Ok, h.stat(stat));
     Bytes expected = createBlock(layout);
-    ASSERT_EQ(expected.size(), stat.size());
-    EXPECT_EQ(expected, stat);
+    Bytes stat(expected.size() + 8, 0xEE);
+    uint32_t length = uint32_t(stat.size());
+    ASSERT_EQ(st::Ok, h.call(op::Stat, stat.data(), &length, 0));
+    ASSERT_EQ(expected.size(), length);
+    EXPECT_EQ(expected, slice(stat, 0, length));
+    EXPECT_EQ(0xEE, stat[length]) << "nothing written past the block";
 
     Handle other;
     ASSERT_EQ(st::Ok, other.open(p));
@@ -73,8 +75,10 @@ TEST_F(FileOps, StatShortBufferGetsWhatFitsAndKeyBufferIsUntouched) {
     Handle h;
     ASSERT_EQ(st::Ok, h.open(p));
     h.key.fill(0xAB);
-    Bytes stat;
-    EXPECT_EQ(st::BadLength, h.stat(stat, 20));
+    Bytes stat(20, 0xEE);
+    uint32_t length = 20;
+    EXPECT_EQ(st::BadLength, h.call(op::Stat, stat.data(), &length, 0));
+    EXPECT_EQ(20u, length);
     EXPECT_EQ(slice(createBlock(sampleLayout()), 0, 20), stat);
     EXPECT_EQ(0xAB, h.key[0]);
     EXPECT_EQ(0xAB, h.key[254]);
@@ -88,14 +92,24 @@ TEST_F(FileOps, OpenRefusesWhatIsNotAFileOfThisEngine) {
 
     std::ofstream(path("text.dat")) << "not a record-manager file\n";
     std::ofstream(path("empty.dat")).flush();
-    EXPECT_EQ(st::NotOurFile, Handle().open(path("text.dat")));
-    EXPECT_EQ(st::NotOurFile, Handle().open(path("empty.dat")));
-
-    sqlite3* db = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open(path("plain.db").c_str(), &db));
-    sqlite3_exec(db, "CREATE TABLE t(x); INSERT INTO t VALUES(1);", nullptr, nullptr, nullptr);
-    sqlite3_close(db);
-    EXPECT_EQ(st::NotOurFile, Handle().open(path("plain.db")));
+    // A plain database, and one whose table looks like ours but holds another signature.
+    const std::pair<const char*, const char*> databases[] = {
+        {"plain.db", "CREATE TABLE t(x); INSERT INTO t VALUES(1);"},
+        {"meta.db", "CREATE TABLE meta(name, value); INSERT INTO meta VALUES('signature', 'x');"}};
+    for (auto [name, sql] : databases) {
+        sqlite3* db = nullptr;
+        ASSERT_EQ(SQLITE_OK, sqlite3_open(path(name).c_str(), &db));
+        EXPECT_EQ(SQLITE_OK, sqlite3_exec(db, sql, nullptr, nullptr, nullptr));
+        sqlite3_close(db);
+    }
+    for (const char* name : {"text.dat", "empty.dat", "plain.db", "meta.db"}) {
+        SCOPED_TRACE(name);
+        const auto before = fs::file_size(path(name));
+        Handle h;
+        EXPECT_EQ(st::NotOurFile, h.open(path(name)));
+        EXPECT_EQ(st::NotOpen, h.close());
+        EXPECT_EQ(before, fs::file_size(path(name))) << "the file was changed";
+    }
 }
 
 TEST_F(FileOps, OpenModes) {
@@ -130,6 +144,7 @@ TEST_F(FileOps, ExclusiveOpensClashByFileIdentity) {
 
     Handle normal;
     ASSERT_EQ(st::Ok, normal.open(p));
+    EXPECT_EQ(st::CannotCreate, create(path("hard.dat"), twoKeyFile())) << "a second name of an open file";
     EXPECT_EQ(st::InUse, Handle().open(p, -4));
     EXPECT_EQ(st::InUse, Handle().open(path("link.dat"), -4));
     ASSERT_EQ(st::Ok, normal.close());
@@ -220,21 +235,29 @@ TEST_F(FileOps, CloseEndsTheHandleAndZeroesTheBlock) {
     EXPECT_EQ(st::NotOpen, BTRCALL(op::Close, nullptr, nullptr, nullptr, nullptr, 0, 0));
 }
 
+// Once its last handle closes, a file is whole on its own: it may be moved or copied.
 TEST_F(FileOps, ClosedFileStandsAloneAtItsPath) {
     std::string p = makeFile(twoKeyFile());
     {
-        Handle h;
+        Handle h, second;
         ASSERT_EQ(st::Ok, h.open(p));
+        ASSERT_EQ(st::Ok, second.open(p));
         for (int i = 0; i < 20; ++i)
             ASSERT_EQ(st::Ok, h.insert(twoKeyRecord(i, i)));
+        ASSERT_EQ(st::Ok, h.close());
+        EXPECT_EQ(20u, second.count()) << "the other handle keeps the file";
     }
     for (const auto& entry : fs::directory_iterator(dir.path()))
         EXPECT_EQ(p, entry.path().string()) << "companion file left behind";
+    fs::copy_file(p, path("copy.dat"));
     fs::rename(p, path("moved.dat"));
-    Handle h;
-    ASSERT_EQ(st::Ok, h.open(path("moved.dat")));
-    EXPECT_EQ(20u, h.count());
-    EXPECT_EQ(20u, h.readAll().size());
+    for (const char* name : {"moved.dat", "copy.dat"}) {
+        SCOPED_TRACE(name);
+        Handle h;
+        ASSERT_EQ(st::Ok, h.open(path(name)));
+        EXPECT_EQ(20u, h.count());
+        EXPECT_EQ(20u, h.readAll().size());
+    }
 }
 
 TEST_F(FileOps, PermissionsAreCheckedAtOpen) {
