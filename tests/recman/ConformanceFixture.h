@@ -253,8 +253,9 @@ public:
     // Every record in key order (Get First, then Get Next until it stops), or backwards.
     std::vector<Bytes> readAll(int8_t k = 0) { return walk(op::GetFirst, op::GetNext, k); }
     std::vector<Bytes> readAllBackward(int8_t k = 0) { return walk(op::GetLast, op::GetPrevious, k); }
-    // Every record in physical order.
+    // Every record in physical order, or backwards.
     std::vector<Bytes> stepAll() { return walk(op::StepFirst, op::StepNext, 0); }
+    std::vector<Bytes> stepAllBackward() { return walk(op::StepLast, op::StepPrevious, 0); }
 
     void setKey(const Bytes& value) {
         key.fill(0);

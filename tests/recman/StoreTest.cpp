@@ -1,10 +1,10 @@
 // The SQLite store reads by index: every seek is an index search, never a scan nor a sort.
 #include "recman/sqlite/SqliteSchema.cpp"
 
-#include <gtest/gtest.h>
+#include "ConformanceFixture.h"
+
 #include <sqlite3.h>
 
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -12,23 +12,12 @@ namespace {
 
 using recman::FileSpec;
 
-// A file of 20-byte records with a unique zstring key and a duplicates unsigned key.
-std::vector<uint8_t> createBlock()
-{
-    std::vector<uint8_t> b(16 + 32, 0);
-    b[0] = 20;
-    b[3] = 0x10;  // page size 4096
-    b[4] = 2;
-    const uint8_t seg0[] = {1, 0, 8, 0, 0x02, 0x01, 0, 0, 0, 0, 11, 0};
-    const uint8_t seg1[] = {9, 0, 4, 0, 0x03, 0x01, 0, 0, 0, 0, 14, 0};
-    std::memcpy(b.data() + 16, seg0, sizeof seg0);
-    std::memcpy(b.data() + 32, seg1, sizeof seg1);
-    return b;
-}
-
 TEST(StoreTest, EverySeekIsAnIndexSearch)
 {
-    std::vector<uint8_t> raw = createBlock();
+    // A unique zstring key and a duplicates unsigned key.
+    using namespace conformance;
+    Bytes raw = createBlock({20, {{seg(1, 8, type::ZString, kf::Modifiable)},
+                                  {seg(9, 4, type::Unsigned, kf::Dup | kf::Modifiable)}}});
     FileSpec spec;
     ASSERT_EQ(FileSpec::parse(raw.data(), uint32_t(raw.size()), spec), recman::StatusOk);
     spec.keys[0].segments[0].type = recman::TypeAutoIncrement;  // exercise the autoincrement statements too
