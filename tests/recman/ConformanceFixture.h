@@ -8,6 +8,7 @@
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <array>
 #include <cstdint>
@@ -107,6 +108,24 @@ inline Bytes record(size_t length, std::initializer_list<std::pair<size_t, Bytes
     for (const auto& [offset, field] : fields)
         put(r, offset, field);
     return r;
+}
+
+// Runs `sql` on the SQLite database at `path` from outside the record manager: the first column
+// of the first row it returns, "" for none, or "error: " and the message.
+inline std::string sqlite(const std::string& path, const std::string& sql) {
+    sqlite3* db = nullptr;
+    std::string result;
+    auto firstValue = [](void* out, int, char** values, char**) {
+        auto* text = static_cast<std::string*>(out);
+        if (text->empty() && values[0])
+            *text = values[0];
+        return 0;
+    };
+    if (sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK ||
+        sqlite3_exec(db, sql.c_str(), firstValue, &result, nullptr) != SQLITE_OK)
+        result = std::string("error: ") + sqlite3_errmsg(db);
+    sqlite3_close(db);
+    return result;
 }
 
 // ---- create blocks ----

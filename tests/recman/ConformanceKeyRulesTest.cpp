@@ -182,11 +182,11 @@ TEST_F(KeyRules, AutoincrementStartsAtOneWhenNoValueIsPositive) {
     EXPECT_EQ((std::vector<Bytes>{le(uint16_t(-5), 2), le(1, 2)}), fields(h.readAll(), 0, 2));
 }
 
-// Key 1 is a null key over two 2-byte segments with null byte 0x20.
+// Key 1 is a null key over two 2-byte segments, null bytes 0x20 and 0x00: each segment has its own.
 FileLayout nullKeyFile(uint16_t extra) {
     return {16,
             {{seg(5, 4, type::Integer)},
-             {seg(9, 2, type::String, kf::Null | kf::Dup | kf::Modifiable | extra, 0x20), seg(11, 2, type::String, 0, 0x20)}}};
+             {seg(9, 2, type::String, kf::Null | kf::Dup | kf::Modifiable | extra, 0x20), seg(11, 2, type::String, 0, 0x00)}}};
 }
 Bytes nullKeyRecord(int tag, std::string_view first, std::string_view second) {
     return record(16, {{0, le(tag, 1)}, {4, int32Key(tag)}, {8, text(first, 2)}, {10, text(second, 2)}});
@@ -197,20 +197,21 @@ TEST_F(KeyRules, NullKeysHaveNoEntry) {
         SCOPED_TRACE(anySegment ? "any segment null" : "all segments null");
         Handle h;
         openNew(h, nullKeyFile(anySegment ? kf::AnyNull : 0), anySegment ? "any.dat" : "all.dat");
-        ASSERT_EQ(st::Ok, h.insert(nullKeyRecord(1, "  ", "  "), 1));
+        ASSERT_EQ(st::Ok, h.insert(nullKeyRecord(1, "  ", ""), 1));
         EXPECT_EQ(st::NoCurrency, h.get(op::GetNext, 1)) << "insert of a null key leaves no currency";
-        ASSERT_EQ(st::Ok, h.insert(nullKeyRecord(2, "AB", "  ")));
-        ASSERT_EQ(st::Ok, h.insert(nullKeyRecord(3, "  ", "  ")));
+        ASSERT_EQ(st::Ok, h.insert(nullKeyRecord(2, "AB", "")));
+        ASSERT_EQ(st::Ok, h.insert(nullKeyRecord(3, "  ", "")));
+        ASSERT_EQ(st::Ok, h.insert(nullKeyRecord(5, "  ", "  ")));
         ASSERT_EQ(st::Ok, h.insert(nullKeyRecord(4, "AB", "CD")));
-        EXPECT_EQ(anySegment ? std::vector<int>({4}) : std::vector<int>({2, 4}), tags(h.readAll(1)));
-        EXPECT_EQ(st::NotFound, h.find(op::GetEqual, text("    ", 4), 1));
-        EXPECT_EQ(4u, h.count());
+        EXPECT_EQ(anySegment ? std::vector<int>({4}) : std::vector<int>({5, 2, 4}), tags(h.readAll(1)));
+        EXPECT_EQ(st::NotFound, h.find(op::GetEqual, text("  ", 4), 1));
+        EXPECT_EQ(5u, h.count());
         // An update that makes the key null drops the entry; one that fills it adds it.
         ASSERT_EQ(st::Ok, h.find(op::GetEqual, int32Key(4)));
-        ASSERT_EQ(st::Ok, h.update(nullKeyRecord(4, "  ", "  ")));
+        ASSERT_EQ(st::Ok, h.update(nullKeyRecord(4, "  ", "")));
         ASSERT_EQ(st::Ok, h.find(op::GetEqual, int32Key(1)));
         ASSERT_EQ(st::Ok, h.update(nullKeyRecord(1, "ZZ", "ZZ")));
-        EXPECT_EQ(anySegment ? std::vector<int>({1}) : std::vector<int>({2, 1}), tags(h.readAll(1)));
+        EXPECT_EQ(anySegment ? std::vector<int>({1}) : std::vector<int>({5, 2, 1}), tags(h.readAll(1)));
     }
 }
 

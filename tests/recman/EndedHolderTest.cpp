@@ -4,8 +4,6 @@
 #include "ChildProcess.h"
 #include "ConformanceFixture.h"
 
-#include <sqlite3.h>
-
 #include <csignal>
 #include <sstream>
 #include <sys/wait.h>
@@ -139,39 +137,28 @@ TEST_F(EndedHolder, ALiveHoldersLockOutlastsOtherUsersComingAndGoing) {
 // and opens, however dead their process ids look on this machine. The same rows with this
 // machine's own mark are swept.
 TEST_F(EndedHolder, AnOwnerOfAnotherMachineIsNeverSwept) {
-    int64_t here = 0;
+    std::string hostHere;
     {
         Handle h;
         ASSERT_EQ(st::Ok, h.open(file));
-        sqlite3* db = nullptr;
-        ASSERT_EQ(SQLITE_OK, sqlite3_open(file.c_str(), &db));
-        sqlite3_stmt* q = nullptr;
-        ASSERT_EQ(SQLITE_OK, sqlite3_prepare_v2(db, "SELECT host FROM opens", -1, &q, nullptr));
-        ASSERT_EQ(SQLITE_ROW, sqlite3_step(q));
-        here = sqlite3_column_int64(q, 0);
-        sqlite3_finalize(q);
-        sqlite3_close(db);
+        hostHere = sqlite(file, "SELECT host FROM opens");
     }
+    ASSERT_FALSE(hostHere.empty() || hostHere.rfind("error", 0) == 0) << hostHere;
+    const int64_t here = std::stoll(hostHere);
     const int64_t deadPid = 0x7FFFFFF0;  // no process here has that id
     for (const bool otherMachine : {true, false}) {
         SCOPED_TRACE(otherMachine ? "holder on another machine" : "holder on this machine");
         const int64_t host = otherMachine ? here ^ 2 : here;
-        sqlite3* db = nullptr;
-        ASSERT_EQ(SQLITE_OK, sqlite3_open(file.c_str(), &db));
         const std::string rows = "DELETE FROM locks; DELETE FROM opens; INSERT INTO locks VALUES((SELECT n FROM rec "
                                  "WHERE v>0 ORDER BY n LIMIT 1), " + std::to_string(host) + ", " +
                                  std::to_string(deadPid) + ", 1, 1); INSERT INTO opens VALUES(" +
                                  std::to_string(host) + ", " + std::to_string(deadPid) + ", 1, 1, 1)";
-        ASSERT_EQ(SQLITE_OK, sqlite3_exec(db, rows.c_str(), nullptr, nullptr, nullptr)) << sqlite3_errmsg(db);
-        sqlite3_close(db);
+        ASSERT_EQ("", sqlite(file, rows));
 
         Handle h;
         EXPECT_EQ(otherMachine ? st::FileLocked : st::Ok, h.open(file)) << "an exclusive open of that holder";
         if (otherMachine) {
-            sqlite3* fix = nullptr;
-            ASSERT_EQ(SQLITE_OK, sqlite3_open(file.c_str(), &fix));
-            ASSERT_EQ(SQLITE_OK, sqlite3_exec(fix, "UPDATE opens SET excl=0", nullptr, nullptr, nullptr));
-            sqlite3_close(fix);
+            ASSERT_EQ("", sqlite(file, "UPDATE opens SET excl=0"));
             ASSERT_EQ(st::Ok, h.open(file));
         }
         EXPECT_EQ(otherMachine ? st::Locked : st::Ok, h.find(op::GetEqual + op::Single, int32Key(10)));

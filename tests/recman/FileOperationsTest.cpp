@@ -2,8 +2,6 @@
 #include "ConformanceFixture.h"
 #include "RERecordFileOps.h"
 
-#include <sqlite3.h>
-
 namespace conformance {
 namespace {
 
@@ -20,10 +18,7 @@ void tamper(const std::string& path, const std::string& embedded, std::string se
         pg->sql(server);
         return;
     }
-    sqlite3* db = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open(path.c_str(), &db));
-    EXPECT_EQ(SQLITE_OK, sqlite3_exec(db, embedded.c_str(), nullptr, nullptr, nullptr)) << sqlite3_errmsg(db);
-    sqlite3_close(db);
+    EXPECT_EQ("", sqlite(path, embedded));
 }
 
 TEST_F(WholeFile, CopyMoveAndDeleteKeepRecordsAndRefuseWhatIsOpen) {

@@ -4,8 +4,6 @@
 #include "ChildProcess.h"
 #include "ConformanceFixture.h"
 
-#include <sqlite3.h>
-
 #include <csignal>
 #include <filesystem>
 
@@ -36,21 +34,6 @@ std::string caseName(const ::testing::TestParamInfo<ForkCase>& info) {
 Bytes childRecord(int i) {
     const int key = kFirstChildKey + i;
     return twoKeyRecord(key % 256, key, key);
-}
-
-// The store's own consistency check over the closed file.
-std::string integrity(const std::string& file) {
-    sqlite3* db = nullptr;
-    std::string result = "cannot open";
-    if (sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
-        sqlite3_stmt* st = nullptr;
-        if (sqlite3_prepare_v2(db, "PRAGMA integrity_check", -1, &st, nullptr) == SQLITE_OK &&
-            sqlite3_step(st) == SQLITE_ROW)
-            result = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
-        sqlite3_finalize(st);
-    }
-    sqlite3_close(db);
-    return result;
 }
 
 class ForkWriter : public Conformance, public ::testing::WithParamInterface<ForkCase> {
@@ -145,7 +128,7 @@ TEST_P(ForkWriter, EveryAcknowledgedInsertSurvivesTheParentsClose) {
     EXPECT_EQ(byKey.size(), check.readAll(1).size());
     EXPECT_EQ(byKey.size(), check.stepAll().size());
     ASSERT_EQ(st::Ok, check.close());
-    EXPECT_EQ("ok", integrity(file));
+    EXPECT_EQ("ok", sqlite(file, "PRAGMA integrity_check")) << "the store's own check of the closed file";
 }
 
 // A forked writer forks again and is killed; the process it forked lives on with copies of its
