@@ -89,16 +89,13 @@ ChildProcess::~ChildProcess() {
 }
 
 void ChildProcess::kill() {
-    const pid_t pid = m_pid;
-    if (pid > 0)
-        ::kill(pid, SIGKILL);
+    if (m_pid > 0)
+        ::kill(m_pid, SIGKILL);
     reap();
-    if (pid > 0)
-        AwaitSessionEnd(pid);
 }
 
 void ChildProcess::AwaitSessionEnd(pid_t pid) {
-    // A server notices a killed client's closed connection a moment later; until its session has
+    // A server notices an ended client's closed connection a moment later; until its session has
     // ended, the client's record locks and exclusive opens still stand.
     const PostgresServer* server = ActiveServer();
     if (!server)
@@ -120,6 +117,7 @@ void ChildProcess::reap() {
     while (::waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
     }
     m_exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    AwaitSessionEnd(m_pid);
     m_pid = -1;
 }
 

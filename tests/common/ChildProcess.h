@@ -58,7 +58,8 @@ public:
         send(line);
         return receive();
     }
-    // Kills the child with SIGKILL and reaps it; on a server, also waits until its session has ended.
+    // Kills the child with SIGKILL and reaps it. Reaping a child also waits, on a server, until
+    // the child's session has ended.
     void kill();
     // Closes the child's input and waits for it; its exit status, or -1 when it did not exit normally.
     int finish();
