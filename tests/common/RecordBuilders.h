@@ -106,6 +106,14 @@ void CreateAndOpen(File& file, const std::string& path) {
     ASSERT_EQ(1, file.Initialize(path.c_str()));
 }
 
+// A copy of `rec` in a block of the library's allocator, for a collection the library frees.
+template <class REC>
+REC* Allocated(const REC& rec) {
+    auto* copy = static_cast<REC*>(REAllocRecord(sizeof rec));
+    *copy = rec;
+    return copy;
+}
+
 // Frees the records of a collection the library handed out.
 template <class C>
 void Free(C& records) {
