@@ -23,7 +23,6 @@ struct GradePatternTraits {
     using Record = GRADEDATRECORD;
     static constexpr const char* kClassName = "REGradeFile";
     static constexpr uint16_t kRecordLength = sizeof(GRADEDATRECORD);
-    static constexpr bool kStaysOpenOnCorrupt = false;
     static constexpr bool kReadsInStoredOrder = true;
     // A current-layout file's searches test the given record without reading: nothing stops a
     // duplicate, and updates and deletes act on the record the last read reached.

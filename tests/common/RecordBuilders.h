@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
@@ -77,11 +79,39 @@ std::vector<uint8_t> Bytes(const REC& rec) {
     return std::vector<uint8_t>(at, at + sizeof rec);
 }
 
+// A class's message text with its "%d" filled in by a record-manager status.
+inline std::string WithStatus(const char* text, int status) {
+    char buffer[256];
+    std::snprintf(buffer, sizeof buffer, text, status);
+    return buffer;
+}
+
+// A float as the earlier file generation stores it: sign bit set on a positive number (every bit
+// flipped on a negative one), most significant byte first, so its bytes sort as the numbers do.
+inline float Sortable(float value) {
+    uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    bits = (bits & 0x80000000u) != 0 ? ~bits : bits | 0x80000000u;
+    const uint8_t bytes[4] = {static_cast<uint8_t>(bits >> 24), static_cast<uint8_t>(bits >> 16),
+                              static_cast<uint8_t>(bits >> 8), static_cast<uint8_t>(bits)};
+    float stored;
+    std::memcpy(&stored, bytes, sizeof stored);
+    return stored;
+}
+
 // Creates the file of the class at `path` and opens it.
 template <class File>
 void CreateAndOpen(File& file, const std::string& path) {
     ASSERT_EQ(1, file.CreateNewFile(path.c_str()));
     ASSERT_EQ(1, file.Initialize(path.c_str()));
+}
+
+// A copy of `rec` in a block of the library's allocator, for a collection the library frees.
+template <class REC>
+REC* Allocated(const REC& rec) {
+    auto* copy = static_cast<REC*>(REAllocRecord(sizeof rec));
+    *copy = rec;
+    return copy;
 }
 
 // Frees the records of a collection the library handed out.

@@ -1,21 +1,20 @@
 // The behaviour every record-file class shares, written once and run over each class. A
 // subsystem's tests join by giving a traits struct per class (File, Record, kClassName,
-// kRecordLength, kStaysOpenOnCorrupt, the three message texts, Sample, Update, Delete) and one
-// line: INSTANTIATE_TYPED_TEST_SUITE_P(Name, RecordFilePattern, ::testing::Types<...>).
+// kRecordLength, the three message texts, Sample, Update, Delete) and one line:
+// INSTANTIATE_TYPED_TEST_SUITE_P(Name, RecordFilePattern, ::testing::Types<...>).
 // Switches for the classes that differ: kCorruptText nullptr for a class that opens a file of
-// any record length; kReadsInStoredOrder true for a class whose positional reads follow the
+// any record length; kStaysOpenOnCorrupt true for a class left open by a file of another
+// record length; kReadsInStoredOrder true for a class whose positional reads follow the
 // order of writing rather than key 0; kTakesDuplicates true for a class that adds a record equal
 // to one present; kResetKeepsOpen true for a class whose Reset leaves the file open.
 #pragma once
 
 #include "RESharedHelpers.h"
 
-#include "RawRecordFile.h"
-#include "TestSupport.h"
+#include "RecordBuilders.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
 #include <list>
 #include <string>
@@ -30,6 +29,7 @@
         else                                         \
             return false;                            \
     }
+RECORD_FILE_SWITCH(StaysOpenOnCorrupt)
 RECORD_FILE_SWITCH(ReadsInStoredOrder)
 RECORD_FILE_SWITCH(TakesDuplicates)
 RECORD_FILE_SWITCH(ResetKeepsOpen)
@@ -64,11 +64,6 @@ protected:
         return copies;
     }
     static bool same(const Record& a, const Record& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
-    static std::string format(const char* text, int status) {
-        char buffer[256];
-        std::snprintf(buffer, sizeof buffer, text, status);
-        return buffer;
-    }
 
     testsupport::TempDir dir;
 };
@@ -88,7 +83,7 @@ TYPED_TEST_P(RecordFilePattern, FileOfAnotherRecordLengthIsRefusedAsCorrupt) {
         EXPECT_EQ(0, file.Initialize(other.c_str()));
         ASSERT_EQ(1u, messages.count());
         EXPECT_EQ(TypeParam::kCorruptText, messages.lastText());
-        EXPECT_EQ(TypeParam::kStaysOpenOnCorrupt ? 1 : 0, file.IsOpen());
+        EXPECT_EQ(StaysOpenOnCorrupt<TypeParam>() ? 1 : 0, file.IsOpen());
 
         // Appending from such a file is refused the same way.
         typename TypeParam::File target;
@@ -269,9 +264,9 @@ TYPED_TEST_P(RecordFilePattern, RecordManagerFailuresShowTheClassesMessagesWithT
     testsupport::MessageCapture messages;
     typename TypeParam::File file;
     EXPECT_EQ(0, file.CreateNewFile(this->path("no such dir/data.dat").c_str()));
-    EXPECT_EQ(this->format(TypeParam::kCreateErrorText, 25), messages.lastText());
+    EXPECT_EQ(testsupport::WithStatus(TypeParam::kCreateErrorText, 25), messages.lastText());
     EXPECT_EQ(0, file.CreateNewFile(""));
-    EXPECT_EQ(this->format(TypeParam::kCreateErrorText, 11), messages.lastText());
+    EXPECT_EQ(testsupport::WithStatus(TypeParam::kCreateErrorText, 11), messages.lastText());
 
     this->createAndOpen(file, this->path("data.dat"));
     this->fill(file, 2);
@@ -284,7 +279,7 @@ TYPED_TEST_P(RecordFilePattern, RecordManagerFailuresShowTheClassesMessagesWithT
     typename TypeParam::Record rec;
     EXPECT_EQ(0, file.GetFirstRecord(&rec));
     ASSERT_EQ(1u, messages.count());
-    EXPECT_EQ(this->format(TypeParam::kUnknownErrorText, 3), messages.lastText());
+    EXPECT_EQ(testsupport::WithStatus(TypeParam::kUnknownErrorText, 3), messages.lastText());
     EXPECT_EQ("Error", messages.messages().back().caption);
 }
 

@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
 #include <list>
 #include <string>
@@ -28,11 +27,6 @@ protected:
             Record rec = Traits::Sample(key);
             ASSERT_EQ(1, key % 2 ? file.AddRecord(rec) : file.AddRecord(&rec));
         }
-    }
-    static std::string format(const char* text, int status) {
-        char buffer[256];
-        std::snprintf(buffer, sizeof buffer, text, status);
-        return buffer;
     }
 
     testsupport::TempDir dir;
@@ -91,7 +85,7 @@ TYPED_TEST_P(WorkFilePattern, DeleteAllWalksTheFileEmptyAndReadsFailSilently) {
 TYPED_TEST_P(WorkFilePattern, WrongLengthMissingFileAndCreateFailures) {
     typename TypeParam::File other;
     EXPECT_EQ(0, other.CreateNewFile(this->dir.file("no such dir/x.dat").c_str()));
-    EXPECT_EQ(this->format(TypeParam::kCreateErrorText, 25), this->messages.lastText());
+    EXPECT_EQ(testsupport::WithStatus(TypeParam::kCreateErrorText, 25), this->messages.lastText());
 
     const std::string wrong = this->dir.file("wrong.dat");
     ASSERT_EQ(0, testsupport::CreateRawFile(wrong, TypeParam::kRecordLength + 1));

@@ -23,7 +23,6 @@ struct JobFileTraits {
     using Record = ESTJOBFILERECORD;
     static constexpr const char* kClassName = "REJobFile";
     static constexpr uint16_t kRecordLength = 606;
-    static constexpr bool kStaysOpenOnCorrupt = false;
     static constexpr const char* kCorruptText = "Job description file is corrupt.";
     static constexpr const char* kUnknownErrorText = "Unknown error job database file. [Error# %d]";
     static constexpr const char* kCreateErrorText = "Unable to create job database file. [Error# %d]";

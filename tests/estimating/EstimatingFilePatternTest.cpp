@@ -15,7 +15,6 @@ struct MaintPatternTraits {
     using Record = MAINTRECORD;
     static constexpr const char* kClassName = "REMaintFile";
     static constexpr uint16_t kRecordLength = 451;
-    static constexpr bool kStaysOpenOnCorrupt = false;
     static constexpr bool kReadsInStoredOrder = true;
     static constexpr const char* kCorruptText = "ESTMAINT.dat file is corrupt.";
     static constexpr const char* kUnknownErrorText = "Unknown error maint database file. [Error# %d]";

@@ -134,7 +134,6 @@ TEST_F(JobFileTest, UpdateAndDeleteFindTheirRecordByKey) {
     EXPECT_EQ(0, file.UpdateRecord("B", "PLATE", 3, 4, relined));
 
     EXPECT_EQ(1, file.DeleteRecord(moved));
-    EXPECT_EQ(0, file.DeleteRecord(moved));
     // By page and line under any codes: the first such record in key order.
     EXPECT_EQ(1, file.DeleteRecord(1, 1));
     EXPECT_EQ(1, file.DeleteRecord(1, 1));

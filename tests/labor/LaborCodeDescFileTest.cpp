@@ -146,11 +146,8 @@ TEST(LaborCodeDescFile, ListWritesStopAtTheFirstFailure) {
     EXPECT_EQ(0, file.GetLabCodeGrpNames(names));
     EXPECT_TRUE(names.empty());
 
-    for (auto rec : {Op("G", 1), Op("G", 2), Op("G", 0), Op("G", 3)}) {
-        auto* copy = static_cast<LABOROPDESCRECORD*>(REAllocRecord(sizeof rec));
-        *copy = rec;
-        list.push_back(copy);
-    }
+    for (auto rec : {Op("G", 1), Op("G", 2), Op("G", 0), Op("G", 3)})
+        list.push_back(Allocated(rec));
     testsupport::TraceCapture traces;
     EXPECT_EQ(0, file.AddRecord(list));  // operation 0 is refused; 3 is not reached
     std::list<LABOROPDESCRECORD*> group;

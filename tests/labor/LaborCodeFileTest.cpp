@@ -126,22 +126,15 @@ TEST_F(LaborCodeFileTest, KeyedWritesRefuseWhatTheKeySearchSays) {
 
 TEST_F(LaborCodeFileTest, SaveRecordListReplacesTheGroup) {
     std::list<LABORCODERECORD*> list;
-    for (auto rec : {Code("B", "7", 7), Code("B", "3", 3)}) {
-        auto* copy = static_cast<LABORCODERECORD*>(REAllocRecord(sizeof rec));
-        *copy = rec;
-        list.push_back(copy);
-    }
+    for (auto rec : {Code("B", "7", 7), Code("B", "3", 3)})
+        list.push_back(Allocated(rec));
     EXPECT_EQ(1, file.SaveRecordList("B", list));
     EXPECT_EQ("B/3 B/7 ", group("B"));
     EXPECT_EQ("AB/1 ", group("AB"));
 
     // A stranger in the list: the group is gone, the records before it are written, 0.
-    auto* stranger = static_cast<LABORCODERECORD*>(REAllocRecord(sizeof(LABORCODERECORD)));
-    *stranger = Code("b", "5");  // another spelling is another group here
-    list.push_front(stranger);
-    auto* first = static_cast<LABORCODERECORD*>(REAllocRecord(sizeof(LABORCODERECORD)));
-    *first = Code("B", "4");
-    list.push_front(first);
+    list.push_front(Allocated(Code("b", "5")));  // another spelling is another group here
+    list.push_front(Allocated(Code("B", "4")));
     EXPECT_EQ(0, file.SaveRecordList("B", list));
     EXPECT_EQ("B/4 ", group("B"));
     RELaborCodeFile::DeallocateRecList(list);

@@ -137,11 +137,8 @@ TEST(LaborMultFactorFile, ListWritesAndTheRefusedDuplicateMessage) {
     EXPECT_EQ(0, file.GetXistingLabCodeGrps(names));
 
     std::list<LABORMULTFACTORRECORD*> list;
-    for (uint32_t step : {100u, 200u}) {
-        auto* rec = static_cast<LABORMULTFACTORRECORD*>(REAllocRecord(sizeof(LABORMULTFACTORRECORD)));
-        *rec = Factor("Q", "G", step);
-        list.push_back(rec);
-    }
+    for (uint32_t step : {100u, 200u})
+        list.push_back(Allocated(Factor("Q", "G", step)));
     ASSERT_EQ(1, file.AddRecords(list));
     ASSERT_EQ(2u, list.size());
 

@@ -16,7 +16,6 @@ struct LaborCodePattern {
     using Record = LABORCODERECORD;
     static constexpr const char* kClassName = "RELaborCodeFile";
     static constexpr uint16_t kRecordLength = 444;
-    static constexpr bool kStaysOpenOnCorrupt = false;
     static constexpr const char* kCorruptText = "Labor Code data file is corrupt.";
     static constexpr const char* kUnknownErrorText = "Unknown error to create Labor Code database file. [Error# %d]";
     static constexpr const char* kCreateErrorText = kUnknownErrorText;
@@ -38,7 +37,6 @@ struct LaborCodeDescPattern {
     using Record = LABOROPDESCRECORD;
     static constexpr const char* kClassName = "RELaborCodeDescFile";
     static constexpr uint16_t kRecordLength = 45;
-    static constexpr bool kStaysOpenOnCorrupt = false;
     static constexpr const char* kCorruptText = "Labor Code data file is corrupt.";
     static constexpr const char* kUnknownErrorText = "Unknown error labor code desc. database file. [Error# %d]";
     static constexpr const char* kCreateErrorText = kUnknownErrorText;
@@ -61,7 +59,6 @@ struct LaborGroupPattern {
     using Record = LABORGROUPRECORD;
     static constexpr const char* kClassName = "RELaborGroupFile";
     static constexpr uint16_t kRecordLength = 19;
-    static constexpr bool kStaysOpenOnCorrupt = false;
     static constexpr const char* kCorruptText = "LaborGroup data file is corrupt.";
     static constexpr const char* kUnknownErrorText = "Unknown error in LaborGroup database file. [Error# %d]";
     static constexpr const char* kCreateErrorText = kUnknownErrorText;

@@ -1,6 +1,8 @@
 // Conversions of the job item's labor operation entry between its two layouts.
 #include "OPERATIONTYPE.h"
 
+#include "RecordBuilders.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -8,10 +10,7 @@
 
 namespace {
 
-template <class REC>
-std::string Bytes(const REC& record) {
-    return std::string(reinterpret_cast<const char*>(&record), sizeof(REC));
-}
+using testsupport::Bytes;
 
 TEST(OperationTypeTest, OldToNewDropsTrailingBlanksAndCopiesNumbers) {
     OLD_OPERATIONTYPE old;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "CNumericTest.h"
+#include "RecordBuilders.h"
 #include "SrtStr2Float.h"
 
 namespace {
@@ -77,18 +78,7 @@ TEST(NumericTest, SixteenthsColumn)
         EXPECT_FALSE(test.GetNumeratorNDenominator(v).empty());
 }
 
-// The sortable form as the earlier file generation writes it.
-float Sortable(float value)
-{
-    uint32_t pattern = 0;
-    std::memcpy(&pattern, &value, sizeof pattern);
-    pattern = (pattern & 0x80000000u) != 0 ? ~pattern : pattern | 0x80000000u;
-    const unsigned char bytes[4] = {static_cast<unsigned char>(pattern >> 24), static_cast<unsigned char>(pattern >> 16),
-                                    static_cast<unsigned char>(pattern >> 8), static_cast<unsigned char>(pattern)};
-    float stored = 0;
-    std::memcpy(&stored, bytes, sizeof stored);
-    return stored;
-}
+using testsupport::Sortable;
 
 float Decode(std::initializer_list<unsigned char> bytes)
 {

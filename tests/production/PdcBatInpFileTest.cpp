@@ -43,9 +43,7 @@ TEST_F(PdcBatInpTest, LinesOfOneBatch) {
     EXPECT_EQ(1, labor.GetAllRecords(2, lines));
     EXPECT_EQ((std::vector<int>{21, 22, 23}), Values(lines));
 
-    PDCBILABFILETYPE* kept = static_cast<PDCBILABFILETYPE*>(REAllocRecord(sizeof(PDCBILABFILETYPE)));
-    kept->nValue4 = 7;
-    lines.push_back(kept);
+    lines.push_back(testsupport::Allocated(Labor(0, 7)));
     EXPECT_EQ(1, labor.GetAllRecords(9, lines));  // no lines: the array as it was
     EXPECT_EQ((std::vector<int>{7}), Values(lines));
 

@@ -28,7 +28,6 @@ template <class F, class R>
 struct PdcPatternTraits {
     using File = F;
     using Record = R;
-    static constexpr bool kStaysOpenOnCorrupt = false;
     static constexpr uint16_t kRecordLength = sizeof(R);
     static int Update(File& file, Record& rec, Record& changed) {
         return PositionOnKey0(file, rec) && file.Btrieve(REBtrieveBase::kOpUpdate, &changed) == 0;

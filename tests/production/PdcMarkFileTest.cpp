@@ -16,18 +16,7 @@
 
 namespace {
 
-// A float in the sortable form of old files: sign bit set on a positive number, most
-// significant byte first.
-float Sortable(float value) {
-    uint32_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    bits = value < 0 ? ~bits : bits | 0x80000000u;
-    const uint8_t bytes[4] = {static_cast<uint8_t>(bits >> 24), static_cast<uint8_t>(bits >> 16),
-                              static_cast<uint8_t>(bits >> 8), static_cast<uint8_t>(bits)};
-    float stored;
-    std::memcpy(&stored, bytes, sizeof stored);
-    return stored;
-}
+using testsupport::Sortable;
 
 TEST(MarkText, OldMarksLoseTheLeadByteTheirNulsAndOuterBlanks) {
     struct Case {

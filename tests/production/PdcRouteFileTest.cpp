@@ -36,7 +36,6 @@ TEST_F(PdcRouteTest, RoutesListAsNameAndDescription) {
     Put(r1.sDescription, "Main line");
     ASSERT_EQ(1, info.AddRecord(r2));
     ASSERT_EQ(1, info.AddRecord(r1));
-    EXPECT_EQ(0, info.AddRecord(r1));
     EXPECT_EQ(1, info.GetAllRoutes(routes));
     EXPECT_EQ((std::vector<std::string>{"R1 : Main line", "R2 : "}), routes);
 
