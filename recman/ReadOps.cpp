@@ -49,10 +49,14 @@ Status windowSeek(Handle& h, bool physical, int k, Seek how, const std::string& 
         w.valid = false;
         return physical ? store.seekPhysical(how, recno, out) : store.seekKey(k, how, value, seq, out);
     }
-    const bool here = w.valid && w.mark == mark && w.physical == physical && w.how == how &&
-                      (physical ? w.recno == recno : (w.key == k && w.seq == seq && w.value == value));
-    if (!here || (w.next == w.entries.size() && !w.atEnd)) {
-        const size_t size = here ? std::min(w.entries.size() * 2, LargestWindow) : FirstWindow;
+    const bool there = w.valid && w.physical == physical && w.how == how &&
+                       (physical ? w.recno == recno : (w.key == k && w.seq == seq && w.value == value));
+    const bool here = there && w.mark == mark;
+    const bool usedUp = there && w.next == w.entries.size();
+    if (!here || (usedUp && !w.atEnd)) {
+        // A window read to its end is followed by a larger one, even when the file changed after
+        // it was read; one that a change cut short starts small again.
+        const size_t size = usedUp ? std::clamp(w.entries.size() * 2, FirstWindow, LargestWindow) : FirstWindow;
         w.valid = false;
         const Status s = physical ? store.seekPhysicalRun(how, recno, size, w.entries)
                                   : store.seekKeyRun(k, how, value, seq, size, w.entries);

@@ -114,7 +114,7 @@ Connection::Connection(const std::string& conninfo) : m_conn(Connect(conninfo)) 
 
 Connection::~Connection() { PQfinish(m_conn); }
 
-bool Connection::ok() const { return m_conn && PQstatus(m_conn) == CONNECTION_OK; }
+bool Connection::ok() const { return m_conn && !m_broken && PQstatus(m_conn) == CONNECTION_OK; }
 
 Status Connection::statusOf(pg_result* r) const
 {
@@ -127,31 +127,118 @@ Status Connection::statusOf(pg_result* r) const
     return StatusStoreFailure;
 }
 
+const std::string* Connection::prepared(const std::string& text)
+{
+    auto it = m_prepared.find(text);
+    if (it == m_prepared.end()) {
+        std::string name = "t";
+        name += std::to_string(m_prepared.size());
+        Result made(PQprepare(m_conn, name.c_str(), text.c_str(), 0, nullptr));
+        if (statusOf(made.raw()) != StatusOk)
+            return nullptr;
+        it = m_prepared.emplace(text, name).first;
+    }
+    return &it->second;
+}
+
+namespace {
+
+// A statement's parameters in the arrays libpq takes.
+struct Bound {
+    Bound(const std::vector<std::string>& v, const std::vector<bool>& isNull, const std::vector<bool>& binary)
+        : values(v.size()), lengths(v.size()), formats(v.size())
+    {
+        for (size_t i = 0; i < v.size(); ++i) {
+            values[i] = isNull[i] ? nullptr : v[i].data();
+            lengths[i] = int(v[i].size());
+            formats[i] = binary[i] ? 1 : 0;
+        }
+    }
+    std::vector<const char*> values;
+    std::vector<int> lengths, formats;
+};
+
+}  // namespace
+
 Status Connection::run(const std::string& text, const Params& params, Result& out)
 {
     std::lock_guard<std::recursive_mutex> lock(m_mutex);
     if (!ok())
         return StatusStoreFailure;
-    auto it = m_prepared.find(text);
-    if (it == m_prepared.end()) {
-        std::string name = "t";
-        name += std::to_string(m_prepared.size());
-        Result prepared(PQprepare(m_conn, name.c_str(), text.c_str(), 0, nullptr));
-        if (statusOf(prepared.raw()) != StatusOk)
-            return StatusStoreFailure;
-        it = m_prepared.emplace(text, name).first;
-    }
-    const size_t n = params.m_values.size();
-    std::vector<const char*> values(n);
-    std::vector<int> lengths(n), formats(n);
-    for (size_t i = 0; i < n; ++i) {
-        values[i] = params.m_isNull[i] ? nullptr : params.m_values[i].data();
-        lengths[i] = int(params.m_values[i].size());
-        formats[i] = params.m_binary[i] ? 1 : 0;
-    }
-    pg_result* r = PQexecPrepared(m_conn, it->second.c_str(), int(n), values.data(), lengths.data(), formats.data(), 1);
+    const std::string* name = prepared(text);
+    if (!name)
+        return StatusStoreFailure;
+    const Bound b(params.m_values, params.m_isNull, params.m_binary);
+    pg_result* r = PQexecPrepared(m_conn, name->c_str(), int(b.values.size()), b.values.data(), b.lengths.data(),
+                                  b.formats.data(), 1);
     out = Result(r);
     return statusOf(r);
+}
+
+Status Connection::sendPrepared(const std::string& text, const Params& params)
+{
+    const std::string* name = prepared(text);
+    if (!name)
+        return StatusStoreFailure;
+    const Bound b(params.m_values, params.m_isNull, params.m_binary);
+    return PQsendQueryPrepared(m_conn, name->c_str(), int(b.values.size()), b.values.data(), b.lengths.data(),
+                               b.formats.data(), 1) == 1
+               ? StatusOk
+               : StatusStoreFailure;
+}
+
+Status Connection::runPair(const std::string& first, const Params& firstParams, Result& firstOut,
+                           const std::string& second, const Params& secondParams, Result& secondOut,
+                           Status& secondStatus)
+{
+    static const std::string Begin = "BEGIN", Commit = "COMMIT";
+    static const Params None;
+    std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    secondStatus = StatusStoreFailure;
+    if (!ok() || m_held > 0 || !prepared(Begin) || !prepared(Commit) || !prepared(first) || !prepared(second))
+        return StatusStoreFailure;
+    if (PQenterPipelineMode(m_conn) != 1)
+        return StatusStoreFailure;
+    // The first statement in a transaction committed before the second begins, and one sync
+    // point for all: one message out, one answer back.
+    Result begun, committed;
+    const std::pair<const std::string*, const Params*> sends[4] = {
+        {&Begin, &None}, {&first, &firstParams}, {&Commit, &None}, {&second, &secondParams}};
+    Result* outs[4] = {&begun, &firstOut, &committed, &secondOut};
+    Status statuses[4] = {StatusStoreFailure, StatusStoreFailure, StatusStoreFailure, StatusStoreFailure};
+    bool sent = true;
+    for (const auto& [text, params] : sends)
+        sent = sent && sendPrepared(*text, *params) == StatusOk;
+    sent = sent && PQpipelineSync(m_conn) == 1;
+    // Each statement answers its result (aborted once one before it failed) and then null; the
+    // sync point comes last.
+    for (int i = 0; i < 4 && sent; ++i) {
+        pg_result* r = PQgetResult(m_conn);
+        if (!r) {
+            sent = false;
+            break;
+        }
+        statuses[i] = statusOf(r);
+        *outs[i] = Result(r);
+        Result end(PQgetResult(m_conn));
+        sent = !end.raw();
+    }
+    if (sent) {
+        Result sync(PQgetResult(m_conn));
+        sent = sync.raw() && PQresultStatus(sync.raw()) == PGRES_PIPELINE_SYNC;
+    }
+    // A pipeline left half read cannot be left: the connection is given up (and made anew).
+    if (PQexitPipelineMode(m_conn) != 1)
+        m_broken = true;
+    // A first statement that failed leaves its transaction open (the rest was skipped).
+    if (!m_broken && PQtransactionStatus(m_conn) != PQTRANS_IDLE)
+        Result(PQexec(m_conn, "ROLLBACK"));
+    if (!sent || m_broken)
+        return StatusStoreFailure;
+    secondStatus = statuses[3];
+    if (statuses[1] != StatusOk)
+        return statuses[1];
+    return statuses[0] == StatusOk && statuses[2] == StatusOk ? StatusOk : StatusStoreFailure;
 }
 
 Status Connection::run(const std::string& text, const Params& params)

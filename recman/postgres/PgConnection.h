@@ -71,6 +71,11 @@ public:
     Status run(const std::string& text, const Params& params);
     // Runs statements without parameters in one round trip.
     Status script(const std::string& text);
+    // Runs `first` and then `second` in one round trip, each in a transaction of its own, so that
+    // the second sees what the first committed; the status of the first (its commit included),
+    // then of the second. Outside a transaction only.
+    Status runPair(const std::string& first, const Params& firstParams, Result& firstOut, const std::string& second,
+                   const Params& secondParams, Result& secondOut, Status& secondStatus);
 
     // Holds the connection for this thread until commit() or rollback().
     Status begin(const std::string& text);
@@ -79,11 +84,15 @@ public:
 
 private:
     Status statusOf(pg_result* r) const;
+    // The name `text` is prepared under on this connection, preparing it first; null on failure.
+    const std::string* prepared(const std::string& text);
+    Status sendPrepared(const std::string& text, const Params& params);
 
     pg_conn* m_conn = nullptr;
     std::recursive_mutex m_mutex;
     std::unordered_map<std::string, std::string> m_prepared;  // text -> statement name
     int m_held = 0;  // transactions this thread holds the mutex for
+    bool m_broken = false;
 };
 
 }  // namespace recman::postgres

@@ -57,7 +57,10 @@ PgFile::PgFile(std::shared_ptr<Connection> conn, int64_t id, FileSpec spec)
     m_count = "SELECT count FROM tarsel_files" + row;
     m_lockRow = "SELECT 1 FROM " + table + " WHERE n=$1 FOR UPDATE";
     buildStatements();
+    buildLeaseStatements();
 }
+
+PgFile::~PgFile() { endLease(); }
 
 Status PgFile::begin()
 {
@@ -69,7 +72,9 @@ Status PgFile::begin()
 Status PgFile::commit()
 {
     m_inTransaction = false;
-    return m_conn->commit();
+    if (const Status s = m_conn->commit(); s != StatusOk)
+        return s;
+    return awaitReaders();
 }
 
 void PgFile::rollback()
@@ -195,9 +200,9 @@ void PgFile::bindRecord(Params& p, const RecordWrite& rec, int64_t seq, bool kee
         p.integer(rec.autoValues[j]);
 }
 
-Status PgFile::numbered(const std::string& text, int64_t& recno, int64_t& version, int64_t& seq)
+Status PgFile::numbered(const std::string& text, int64_t& recno, int64_t& version, int64_t& seq, int readersColumn)
 {
-    if (const Status s = m_conn->run(text, m_params, m_result); s != StatusOk)
+    if (const Status s = runWrite(text, readersColumn); s != StatusOk)
         return s;
     if (m_result.rows() != 1)
         return StatusStoreFailure;

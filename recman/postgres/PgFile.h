@@ -6,7 +6,8 @@
 // session when the process dies or its connection breaks; the connection's own handles are told
 // apart here, in the tables below.
 //
-// Each record operation is one statement (PgRecordOps.cpp). Writers of a file take its row of
+// Each record operation is one statement (PgRecordOps.cpp); a scan reads windows of records ahead
+// under a lease that every write outlasts before it is acknowledged (PgReadAhead.cpp). Writers of a file take its row of
 // tarsel_files, or an update that changes no key the shared writer gate, before they touch its
 // records; begin() takes the gate exclusive and then the row, so the composed operations that
 // remain (an autoincrement value asked of the file, the exact status of a refused write) still
@@ -29,6 +30,7 @@ namespace recman::postgres {
 class PgFile final : public StoreFile {
 public:
     PgFile(std::shared_ptr<Connection> conn, int64_t id, FileSpec spec);
+    ~PgFile() override;
 
     const FileSpec& spec() const override { return m_spec; }
     const std::vector<const SegmentSpec*>& autoFields() const override { return m_autoFields; }
@@ -45,6 +47,10 @@ public:
     Status commit() override;
     void rollback() override;
 
+    Status seekKeyRun(int key, Seek how, const std::string& value, int64_t seq, size_t max,
+                      std::vector<RecordCopy>& out) override;
+    Status seekPhysicalRun(Seek how, int64_t recno, size_t max, std::vector<RecordCopy>& out) override;
+    bool changeMark(ChangeMark& mark) override;
     Status seekKey(int key, Seek how, const std::string& value, int64_t seq, FoundRecord& out) override;
     Status seekPhysical(Seek how, int64_t recno, FoundRecord& out) override;
     Status readRecord(int64_t recno, FoundRecord& out) override;
@@ -87,9 +93,22 @@ private:
     // The record in the first row of m_result (n, v, d, and with `withKey` the key value and rank).
     void found(bool withKey, FoundRecord& out);
     // Runs an insert's `text` with m_params: the new record's number and rank (version 1).
-    Status numbered(const std::string& text, int64_t& recno, int64_t& version, int64_t& seq);
+    Status numbered(const std::string& text, int64_t& recno, int64_t& version, int64_t& seq, int readersColumn = -1);
     void bindRecord(Params& p, const RecordWrite& rec, int64_t seq, bool keepUnchangedRank) const;
     Status serverLock(const char* function, int64_t recno, bool& granted);
+
+    // Read-ahead (PgReadAhead.cpp): a window read under a lease, and writes that outlast the
+    // leases of other sessions' windows before they are acknowledged.
+    void buildLeaseStatements();
+    Status readRun(const std::string& seekText, bool withKey, size_t max, std::vector<RecordCopy>& out);
+    // Runs a write's `text` with m_params; a write made alone answers in `readersColumn` how long
+    // it must wait for other sessions' windows (-1: a write inside a transaction, which waits
+    // once the transaction has committed).
+    Status runWrite(const std::string& text, int readersColumn);
+    // After a transaction of writes committed.
+    Status awaitReaders();
+    static void outlast(int64_t microseconds);
+    void endLease();
     Status dropLock(int64_t recno);
 
     std::shared_ptr<Connection> m_conn;
@@ -112,6 +131,10 @@ private:
     bool m_capturing = false;
     const std::string* m_captured = nullptr;
     bool m_capturedKey = false;
+    std::string m_lease, m_readers, m_endLease;
+    std::map<const std::string*, std::string> m_runs;  // seek text -> its window form
+    uint64_t m_writes = 0;  // writes this process made, for its own windows' change marks
+    bool m_leased = false;
     // An engine part run alone: an autoincrement question ends it.
     bool m_alone = false, m_askedFile = false;
 };

@@ -65,6 +65,8 @@ void PgFile::buildStatements()
     // Another session's record lock refuses the write; this session's own do not (the process
     // tells its handles apart itself).
     const std::string lockFree = " AND pg_try_advisory_xact_lock(" + id + ", n::int)";
+    // How long the write must wait for other sessions' read-ahead windows (PgReadAhead.cpp).
+    const std::string readers = "tarsel_readers(" + id + ")";
 
     // Insert: $1 data, then per key its value, then per autoincrement field its value.
     std::string cols = "n, v, d", values = "c.nextrec, 1, $1::bytea";
@@ -80,7 +82,7 @@ void PgFile::buildStatements()
     }
     m_insertWhole = "WITH c AS (UPDATE tarsel_files SET count=count+1, nextrec=nextrec+1, seq=seq+1 WHERE id=" + id +
                     " RETURNING nextrec, seq), i AS (INSERT INTO " + t + "(" + cols + ") SELECT " + values +
-                    " FROM c RETURNING n) SELECT i.n, c.seq FROM i, c";
+                    " FROM c RETURNING n) SELECT i.n, c.seq, " + readers + " FROM i, c";
 
     // Update: $1 record, $2 version read, $3 data; per key its value and, for a duplicates key,
     // 1 when it takes the new rank; per autoincrement field its value; last 1 to end the lock.
@@ -97,7 +99,7 @@ void PgFile::buildStatements()
     const auto update = [&](const std::string& row, const std::string& keySets, size_t last) {
         return "WITH f AS (" + row + ") UPDATE " + t + " SET v=v+1, d=$3::bytea" + keySets +
                " FROM f WHERE n=$1::bigint AND v=$2::bigint" + lockFree + " RETURNING v, f.seq, CASE WHEN " +
-               param(last) + "::int=1 THEN pg_advisory_unlock(" + id + ", n::int) END";
+               param(last) + "::int=1 THEN pg_advisory_unlock(" + id + ", n::int) END, " + readers;
     };
     m_updateRank = update(takeRank, sets, p);
     m_updateKeys = update(fileRow, sets, p);
@@ -108,7 +110,7 @@ void PgFile::buildStatements()
                       " USING f WHERE n=$1::bigint AND (v=$2::bigint OR $3::int=1)" + lockFree +
                       " RETURNING n), c AS (UPDATE tarsel_files SET count=count-1 WHERE id=" + id +
                       " AND EXISTS (SELECT 1 FROM d)) SELECT n, CASE WHEN $4::int=1 THEN pg_advisory_unlock(" + id +
-                      ", n::int) END FROM d";
+                      ", n::int) END, " + readers + " FROM d";
     m_unlockAll = "SELECT count(pg_advisory_unlock(" + id + ", n::int)) FROM unnest($1::bigint[]) n";
 }
 
@@ -203,7 +205,7 @@ Status PgFile::insertWhole(RecordWrite& rec, const PrepareStep& prepare, int64_t
         k.present ? m_params.bytes(k.value) : m_params.null();
     for (const int64_t a : rec.autoValues)
         m_params.integer(a);
-    if ((s = numbered(m_insertWhole, recno, version, seq)) != StatusOk)
+    if ((s = numbered(m_insertWhole, recno, version, seq, 2)) != StatusOk)
         return s;
     remember(recno, version, reinterpret_cast<const char*>(rec.data), rec.length);
     return StatusOk;
@@ -246,7 +248,7 @@ Status PgFile::updateChecked(const WriteCheck& check, RecordWrite& rec, const Pr
     }
     m_params.integer(endLock ? 1 : 0);
     const std::string& text = !keysChanged ? m_updateData : needRank ? m_updateRank : m_updateKeys;
-    if ((s = m_conn->run(text, m_params, m_result)) != StatusOk)
+    if ((s = runWrite(text, 3)) != StatusOk)
         return s;
     if (m_result.rows() == 0)
         return StoreFile::updateChecked(check, rec, prepare, version, seq);
@@ -266,7 +268,7 @@ Status PgFile::deleteChecked(const WriteCheck& check)
     const bool endLock = m_locks.count(check.recno) != 0;
     m_params.clear();
     m_params.integer(check.recno).integer(check.version).integer(check.holdsLock ? 1 : 0).integer(endLock ? 1 : 0);
-    if (const Status s = m_conn->run(m_deleteChecked, m_params, m_result); s != StatusOk)
+    if (const Status s = runWrite(m_deleteChecked, 2); s != StatusOk)
         return s;
     if (m_result.rows() == 0)
         return StoreFile::deleteChecked(check);

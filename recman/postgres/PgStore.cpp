@@ -12,13 +12,23 @@ namespace recman::postgres {
 namespace {
 
 // Files, by name, with their counters: records kept, highest record number given, the
-// duplicate-rank counter. Key 0 of the two-key advisory locks names a file by its name's hash
+// duplicate-rank counter; and the sessions' read-ahead leases (PgReadAhead.cpp), which need not
+// outlive a server crash. Key 0 of the two-key advisory locks names a file by its name's hash
 // while it is created or replaced.
 constexpr const char* Schema =
     "SELECT pg_advisory_xact_lock(0, 0);"
     "CREATE TABLE IF NOT EXISTS tarsel_files(id serial PRIMARY KEY, name text UNIQUE NOT NULL, "
     "spec bytea NOT NULL, count bigint NOT NULL DEFAULT 0, nextrec bigint NOT NULL DEFAULT 0, "
-    "seq bigint NOT NULL DEFAULT 0)";
+    "seq bigint NOT NULL DEFAULT 0);"
+    "CREATE UNLOGGED TABLE IF NOT EXISTS tarsel_leases(file int NOT NULL, session int NOT NULL, "
+    "until timestamptz NOT NULL, PRIMARY KEY (file, session));"
+    // How long a write to file f must wait for other sessions' leases, taken under the file's
+    // lease gate (LeaseGate) and on what has committed by the time it is asked (a function's
+    // own snapshot).
+    "CREATE OR REPLACE FUNCTION tarsel_readers(f int) RETURNS bigint VOLATILE LANGUAGE plpgsql AS $$ BEGIN "
+    "PERFORM pg_advisory_xact_lock_shared(f, -2); "
+    "RETURN COALESCE((SELECT CEIL(EXTRACT(EPOCH FROM max(until) - clock_timestamp()) * 1000000)::bigint "
+    "FROM tarsel_leases WHERE file=f AND session<>pg_backend_pid() AND until>clock_timestamp()), 0); END $$";
 
 // An Open that named a file on the server: its id and creation block as read.
 class PgTicket final : public OpenTicket {

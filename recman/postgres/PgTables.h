@@ -13,6 +13,9 @@ namespace recman::postgres {
 // takes it shared instead of the file's row; a transaction that must see no writer (begin(), a
 // repair) takes it exclusive before the row.
 inline constexpr const char* WriterGate = "-1";
+// Second key of the advisory lock between read-ahead leases (exclusive) and the writes made in
+// one statement (shared, from the lease check to their commit).
+inline constexpr const char* LeaseGate = "-2";
 
 // Appended rather than "r" + ...: GCC 12 warns falsely on that form in release builds.
 inline std::string tableOf(int64_t id)

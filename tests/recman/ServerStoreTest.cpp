@@ -231,3 +231,40 @@ TEST_F(ServerStore, LockingAndPlainWritersAtOnceLoseNoWrite) {
     ASSERT_EQ(st::Ok, h.find(op::GetEqual, int32Key(10)));
     EXPECT_EQ(uint32_t(2 * times), tally(h.data));
 }
+
+// Scans read ahead on the server; a write that another workstation has been told is done before
+// a scan's next call is what that call meets, in key and in physical order.
+TEST_F(ServerStore, AScanMeetsWhatAnotherWorkstationWroteBeforeItsNextCall) {
+    std::string p = makeFile(twoKeyFile());
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(p));
+    for (int t = 1; t <= 12; ++t)
+        ASSERT_EQ(st::Ok, h.insert(twoKeyRecord(t, 10 * t, t)));
+    ChildProcess desk("recmanUser");
+    ASSERT_EQ("0", desk.request("open " + p));
+    const auto key1 = [&] { return int32_t(readLe(h.data.data() + 8, 4)); };
+
+    ASSERT_EQ(st::Ok, h.get(op::GetFirst));
+    ASSERT_EQ(st::Ok, h.get(op::GetNext));  // tag 2, with tags 3 to 6 read ahead
+    ASSERT_EQ("0 3 3", desk.request("read 30"));
+    ASSERT_EQ("0", desk.request("delete"));
+    ASSERT_EQ(st::Ok, h.get(op::GetNext));
+    EXPECT_EQ(4, h.data[0]);
+    ASSERT_EQ("0 5 5", desk.request("read 50"));
+    ASSERT_EQ("0", desk.request("update 50 55"));
+    ASSERT_EQ(st::Ok, h.get(op::GetNext));
+    EXPECT_EQ(5, h.data[0]);
+    EXPECT_EQ(55, key1());
+    ASSERT_EQ("0", desk.request("insert 13 55 0"));
+    ASSERT_EQ(st::Ok, h.get(op::GetNext));
+    EXPECT_EQ(13, h.data[0]);
+
+    ASSERT_EQ(st::Ok, h.step(op::StepFirst));
+    ASSERT_EQ(st::Ok, h.step(op::StepNext));  // tag 2, with the next four read ahead
+    ASSERT_EQ("0 4 4", desk.request("read 40"));
+    ASSERT_EQ("0", desk.request("delete"));
+    ASSERT_EQ(st::Ok, h.step(op::StepNext));
+    EXPECT_EQ(5, h.data[0]);
+    ASSERT_EQ(st::Ok, h.step(op::StepNext));
+    EXPECT_EQ(6, h.data[0]);
+}
