@@ -3,11 +3,14 @@
 //
 // A window is read together with a lease: in the same round trip, but in a transaction of its
 // own committed before the window's, the session notes in tarsel_leases that it reads the file
-// until a moment from now. A write then waits, before it is acknowledged, until the leases of the
-// other sessions' windows that could miss it have run out:
-// - a write made in one statement reads the leases at its end (tarsel_readers) under the file's
-//   lease gate, held shared until it commits, while a lease is taken under the gate exclusive:
-//   either the lease committed before the write read the leases (the write sees it), or the
+// until a moment from now, and moves the file's leased_until to at least that moment. A write
+// then waits, before it is acknowledged, until the leases of the other sessions' windows that
+// could miss it have run out:
+// - a write made in one statement locks the file's row (an update that changes no key takes the
+//   writer gate instead, and counts as if the row said "leased") and, when the row says that a
+//   lease may still run, reads the leases (tarsel_readers) under the file's lease gate, held
+//   shared until it commits. A lease takes the row and then the gate exclusive. So either the
+//   lease committed before the write read the row and the leases (the write sees it), or the
 //   lease, and so the window read after it, came after the write committed (the window has it);
 // - a transaction of writes reads the leases once it has committed, so a lease it does not see
 //   came after the commit, and so did its window.
@@ -37,10 +40,12 @@ int64_t leasePeriod()
 void PgFile::buildLeaseStatements()
 {
     const std::string id = std::to_string(m_id);
-    m_lease = "WITH g AS (SELECT pg_advisory_xact_lock(" + id + ", " + LeaseGate +
-              ")) INSERT INTO tarsel_leases SELECT " + id + ", pg_backend_pid(), clock_timestamp() + interval '" +
-              std::to_string(LeaseMicroseconds) +
-              " microseconds' FROM g ON CONFLICT (file, session) DO UPDATE SET until=EXCLUDED.until";
+    const std::string until = "clock_timestamp() + interval '" + std::to_string(LeaseMicroseconds) + " microseconds'";
+    // The file's row first, then the gate: the order in which a write takes them.
+    m_lease = "WITH r AS (UPDATE tarsel_files SET leased_until=greatest(leased_until, " + until + ") WHERE id=" + id +
+              " RETURNING id), g AS (SELECT pg_advisory_xact_lock(" + id + ", " + LeaseGate +
+              ") FROM r) INSERT INTO tarsel_leases SELECT " + id + ", pg_backend_pid(), " + until +
+              " FROM g ON CONFLICT (file, session) DO UPDATE SET until=EXCLUDED.until";
     m_readers = "SELECT tarsel_readers(" + id + ")";
     m_endLease = "DELETE FROM tarsel_leases WHERE file=" + id + " AND session=pg_backend_pid()";
 }

@@ -56,17 +56,21 @@ bool PgFile::prepareAlone(const PrepareStep& prepare, const FoundRecord* old, St
 void PgFile::buildStatements()
 {
     const std::string id = std::to_string(m_id), t = tableOf(m_id);
-    const std::string fileRow = "SELECT seq FROM tarsel_files WHERE id=" + id + " FOR UPDATE";
+    const std::string fileRow = "SELECT seq, leased_until FROM tarsel_files WHERE id=" + id + " FOR UPDATE";
     // An update that changes no key meets neither an insert's nor a delete's unique-key waits:
     // the shared gate keeps it from begin()'s writers at a fraction of a row lock's cost.
-    const std::string gate = std::string("SELECT 0::bigint AS seq, pg_advisory_xact_lock_shared(") + id + ", " +
-                             WriterGate + ")";
-    const std::string takeRank = "UPDATE tarsel_files SET seq=seq+1 WHERE id=" + id + " RETURNING seq";
+    const std::string gate = std::string("SELECT 0::bigint AS seq, 'infinity'::timestamptz AS leased_until, "
+                                         "pg_advisory_xact_lock_shared(") + id + ", " + WriterGate + ")";
+    const std::string takeRank =
+        "UPDATE tarsel_files SET seq=seq+1 WHERE id=" + id + " RETURNING seq, leased_until";
     // Another session's record lock refuses the write; this session's own do not (the process
     // tells its handles apart itself).
     const std::string lockFree = " AND pg_try_advisory_xact_lock(" + id + ", n::int)";
-    // How long the write must wait for other sessions' read-ahead windows (PgReadAhead.cpp).
-    const std::string readers = "tarsel_readers(" + id + ")";
+    // How long the write must wait for other sessions' read-ahead windows (PgReadAhead.cpp):
+    // asked only while a lease of the file may still run, as the file's row, locked here, says.
+    const auto readers = [&](const std::string& row) {
+        return "CASE WHEN " + row + ".leased_until>clock_timestamp() THEN tarsel_readers(" + id + ") ELSE 0 END";
+    };
 
     // Insert: $1 data, then per key its value, then per autoincrement field its value.
     std::string cols = "n, v, d", values = "c.nextrec, 1, $1::bytea";
@@ -81,8 +85,8 @@ void PgFile::buildStatements()
         values += ", " + param(p++) + "::bigint";
     }
     m_insertWhole = "WITH c AS (UPDATE tarsel_files SET count=count+1, nextrec=nextrec+1, seq=seq+1 WHERE id=" + id +
-                    " RETURNING nextrec, seq), i AS (INSERT INTO " + t + "(" + cols + ") SELECT " + values +
-                    " FROM c RETURNING n) SELECT i.n, c.seq, " + readers + " FROM i, c";
+                    " RETURNING nextrec, seq, leased_until), i AS (INSERT INTO " + t + "(" + cols + ") SELECT " +
+                    values + " FROM c RETURNING n) SELECT i.n, c.seq, " + readers("c") + " FROM i, c";
 
     // Update: $1 record, $2 version read, $3 data; per key its value and, for a duplicates key,
     // 1 when it takes the new rank; per autoincrement field its value; last 1 to end the lock.
@@ -99,7 +103,7 @@ void PgFile::buildStatements()
     const auto update = [&](const std::string& row, const std::string& keySets, size_t last) {
         return "WITH f AS (" + row + ") UPDATE " + t + " SET v=v+1, d=$3::bytea" + keySets +
                " FROM f WHERE n=$1::bigint AND v=$2::bigint" + lockFree + " RETURNING v, f.seq, CASE WHEN " +
-               param(last) + "::int=1 THEN pg_advisory_unlock(" + id + ", n::int) END, " + readers;
+               param(last) + "::int=1 THEN pg_advisory_unlock(" + id + ", n::int) END, " + readers("f");
     };
     m_updateRank = update(takeRank, sets, p);
     m_updateKeys = update(fileRow, sets, p);
@@ -108,9 +112,9 @@ void PgFile::buildStatements()
     // Delete: $1 record, $2 version read, $3 1 when any version will do, $4 1 to end the lock.
     m_deleteChecked = "WITH f AS (" + fileRow + "), d AS (DELETE FROM " + t +
                       " USING f WHERE n=$1::bigint AND (v=$2::bigint OR $3::int=1)" + lockFree +
-                      " RETURNING n), c AS (UPDATE tarsel_files SET count=count-1 WHERE id=" + id +
+                      " RETURNING n, f.leased_until), c AS (UPDATE tarsel_files SET count=count-1 WHERE id=" + id +
                       " AND EXISTS (SELECT 1 FROM d)) SELECT n, CASE WHEN $4::int=1 THEN pg_advisory_unlock(" + id +
-                      ", n::int) END, " + readers + " FROM d";
+                      ", n::int) END, " + readers("d") + " FROM d";
     m_unlockAll = "SELECT count(pg_advisory_unlock(" + id + ", n::int)) FROM unnest($1::bigint[]) n";
 }
 
