@@ -13,13 +13,17 @@ namespace {
 
 // Files, by name, with their counters: records kept, highest record number given, the
 // duplicate-rank counter, and the end of the last read-ahead lease taken on the file; and the
-// sessions' read-ahead leases (PgReadAhead.cpp), which need not outlive a server crash. Key 0 of the two-key advisory locks names a file by its name's hash
-// while it is created or replaced.
+// sessions' read-ahead leases (PgReadAhead.cpp), which need not outlive a server crash. Key 0 of
+// the two-key advisory locks names a file by its name's hash while it is created or replaced.
 constexpr const char* Schema =
     "SELECT pg_advisory_xact_lock(0, 0);"
     "CREATE TABLE IF NOT EXISTS tarsel_files(id serial PRIMARY KEY, name text UNIQUE NOT NULL, "
     "spec bytea NOT NULL, count bigint NOT NULL DEFAULT 0, nextrec bigint NOT NULL DEFAULT 0, "
     "seq bigint NOT NULL DEFAULT 0, leased_until timestamptz NOT NULL DEFAULT '-infinity');"
+    // A database made before read-ahead gets its column; the table is locked only then.
+    "DO $$ BEGIN IF NOT EXISTS (SELECT 1 FROM pg_attribute WHERE attrelid='tarsel_files'::regclass AND "
+    "attname='leased_until' AND NOT attisdropped) THEN ALTER TABLE tarsel_files ADD COLUMN leased_until "
+    "timestamptz NOT NULL DEFAULT '-infinity'; END IF; END $$;"
     "CREATE UNLOGGED TABLE IF NOT EXISTS tarsel_leases(file int NOT NULL, session int NOT NULL, "
     "until timestamptz NOT NULL, PRIMARY KEY (file, session));"
     // How long a write to file f must wait for other sessions' leases, taken under the file's

@@ -169,6 +169,28 @@ TEST_F(ServerStore, ACutConnectionAnswersAStatusAndTheNextOpenConnectsAgain) {
     EXPECT_EQ(st::Ok, again.find(op::GetEqual + op::Single, int32Key(10)));
 }
 
+// A server database made before scans read ahead lacks the files' lease column: a workstation
+// that connects adds it, and the files and their records are as they were.
+TEST_F(ServerStore, ADatabaseOfTheEarlierLayoutIsBroughtUpToDateOnConnecting) {
+    std::string p = makeFile(twoKeyFile());
+    Handle h;
+    ASSERT_EQ(st::Ok, h.open(p));
+    for (int t = 1; t <= 6; ++t)
+        ASSERT_EQ(st::Ok, h.insert(twoKeyRecord(t, 10 * t)));
+    const testsupport::PostgresServer& server = *testsupport::ActiveServer();
+    const std::string column = "SELECT count(*) FROM pg_attribute WHERE attrelid='tarsel_files'::regclass AND "
+                               "attname='leased_until' AND NOT attisdropped";
+    server.sql("ALTER TABLE tarsel_files DROP COLUMN leased_until");
+    ASSERT_EQ("0", server.sql(column));
+
+    ChildProcess desk("recmanUser");
+    ASSERT_EQ("0", desk.request("open " + p));
+    EXPECT_EQ("1", server.sql(column));
+    EXPECT_EQ("0 6", desk.request("count"));
+    EXPECT_EQ("0", desk.request("insert 7 70 0"));
+    EXPECT_EQ((std::vector<int>{1, 2, 3, 4, 5, 6, 7}), tags(h.readAll()));
+}
+
 TEST_F(ServerStore, AnotherWorkstationsLocksAndWritesRefuseTheWritesTheyMust) {
     std::string p = makeFile(twoKeyFile());
     Handle h;
