@@ -215,4 +215,17 @@ inline void readRows(uint32_t n, const std::vector<Side*>& sides, const std::vec
         check(!s->physicalStep(n), "end of the physical scan");
 }
 
+// The whole workload: inserts in `order`, the reads, then updates and deletes in `lookups`
+// shuffled anew for each.
+inline void allRows(uint32_t n, const std::vector<Side*>& sides, const std::vector<uint32_t>& order,
+                    std::vector<uint32_t>& lookups, std::mt19937& rng, std::vector<Row>& rows)
+{
+    rows.push_back({"insert", interleaved(n, sides, [&](Side& s, size_t i) { s.insert(order[i]); })});
+    readRows(n, sides, lookups, rows);
+    std::shuffle(lookups.begin(), lookups.end(), rng);
+    rows.push_back({"update", interleaved(n, sides, [&](Side& s, size_t i) { s.update(lookups[i]); })});
+    std::shuffle(lookups.begin(), lookups.end(), rng);
+    rows.push_back({"delete", interleaved(n, sides, [&](Side& s, size_t i) { s.remove(lookups[i]); })});
+}
+
 }  // namespace bench

@@ -86,19 +86,67 @@ void bindBlob(sqlite3_stmt* st, int i, const void* p, size_t n)
     sqlite3_bind_blob(st, i, p, int(n), SQLITE_STATIC);
 }
 
-// ---- the minimal SQLite design ----
-
-struct SqliteSide final : Side {
+// The reads both SQLite designs make, over statements each prepares: a Get Equal, a key scan and a
+// physical scan, remembering the row and key last read.
+struct SqliteReads : Side {
     Db d;
-    sqlite3_stmt *begin, *commit, *insertRecord, *insertKey, *seekEqual, *first, *next, *stepFirst, *stepNext,
-        *updateRecord, *deleteKey, *deleteRecord;
+    sqlite3_stmt *seekEqual = nullptr, *first = nullptr, *next = nullptr, *stepFirst = nullptr, *stepNext = nullptr;
     uint8_t rec[kRecordLength];
     std::string encoded, last;
-    int64_t lastRid = 0;
+    int64_t lastRow = 0;
+    const int dataColumn;  // the key follows the data
+    const char* const name;
+
+    SqliteReads(const std::string& path, const std::string& schema, int dataColumn, const char* name)
+        : d(path, schema), dataColumn(dataColumn), name(name)
+    {
+    }
+    bool fetch(sqlite3_stmt* st, bool withKey)
+    {
+        const bool row = sqlite3_step(st) == SQLITE_ROW;
+        if (row) {
+            lastRow = sqlite3_column_int64(st, 0);
+            std::memcpy(rec, sqlite3_column_blob(st, dataColumn), size_t(sqlite3_column_bytes(st, dataColumn)));
+            if (withKey)
+                last.assign(static_cast<const char*>(sqlite3_column_blob(st, dataColumn + 1)),
+                            size_t(sqlite3_column_bytes(st, dataColumn + 1)));
+        }
+        sqlite3_reset(st);
+        return row;
+    }
+    void getEqual(uint32_t i) override
+    {
+        makeRecord(i, rec);
+        encodeKey(rec, encoded);
+        bindBlob(seekEqual, 1, encoded.data(), encoded.size());
+        check(fetch(seekEqual, true), name);
+    }
+    bool keyStep(size_t i) override
+    {
+        if (i == 0)
+            return fetch(first, true);
+        sqlite3_bind_blob(next, 1, last.data(), int(last.size()), SQLITE_TRANSIENT);
+        return fetch(next, true);
+    }
+    bool physicalStep(size_t i) override
+    {
+        if (i == 0)
+            return fetch(stepFirst, false);
+        sqlite3_bind_int64(stepNext, 1, lastRow);
+        return fetch(stepNext, false);
+    }
+};
+
+// ---- the minimal SQLite design ----
+
+struct SqliteSide final : SqliteReads {
+    sqlite3_stmt *begin, *commit, *insertRecord, *insertKey, *updateRecord, *deleteKey, *deleteRecord;
 
     explicit SqliteSide(const std::string& path)
-        : d(path, "CREATE TABLE records(rid INTEGER PRIMARY KEY, data BLOB);"
-                  "CREATE TABLE key0(k BLOB PRIMARY KEY, rid INTEGER) WITHOUT ROWID;")
+        : SqliteReads(path,
+                      "CREATE TABLE records(rid INTEGER PRIMARY KEY, data BLOB);"
+                      "CREATE TABLE key0(k BLOB PRIMARY KEY, rid INTEGER) WITHOUT ROWID;",
+                      1, "sqlite get equal")
     {
         const std::string join = "SELECT r.rid, r.data, k.k FROM key0 k JOIN records r ON r.rid=k.rid ";
         begin = d.prepare("BEGIN IMMEDIATE");
@@ -115,18 +163,6 @@ struct SqliteSide final : Side {
         deleteRecord = d.prepare("DELETE FROM records WHERE rid=?1");
     }
 
-    bool fetch(sqlite3_stmt* st, bool withKey)
-    {
-        const bool row = sqlite3_step(st) == SQLITE_ROW;
-        if (row) {
-            lastRid = sqlite3_column_int64(st, 0);
-            std::memcpy(rec, sqlite3_column_blob(st, 1), size_t(sqlite3_column_bytes(st, 1)));
-            if (withKey)
-                last.assign(static_cast<const char*>(sqlite3_column_blob(st, 2)), size_t(sqlite3_column_bytes(st, 2)));
-        }
-        sqlite3_reset(st);
-        return row;
-    }
     void write(uint32_t i)
     {
         makeRecord(i, rec);
@@ -152,32 +188,11 @@ struct SqliteSide final : Side {
             d.exec("COMMIT");
         }
     }
-    void getEqual(uint32_t i) override
-    {
-        makeRecord(i, rec);
-        encodeKey(rec, encoded);
-        bindBlob(seekEqual, 1, encoded.data(), encoded.size());
-        check(fetch(seekEqual, true), "sqlite get equal");
-    }
-    bool keyStep(size_t i) override
-    {
-        if (i == 0)
-            return fetch(first, true);
-        sqlite3_bind_blob(next, 1, last.data(), int(last.size()), SQLITE_TRANSIENT);
-        return fetch(next, true);
-    }
-    bool physicalStep(size_t i) override
-    {
-        if (i == 0)
-            return fetch(stepFirst, false);
-        sqlite3_bind_int64(stepNext, 1, lastRid);
-        return fetch(stepNext, false);
-    }
     void update(uint32_t i) override
     {
         getEqual(i);
         rec[100] ^= 1;
-        sqlite3_bind_int64(updateRecord, 1, lastRid);
+        sqlite3_bind_int64(updateRecord, 1, lastRow);
         bindBlob(updateRecord, 2, rec, kRecordLength);
         check(Db::run(updateRecord) == SQLITE_DONE, "update");
     }
@@ -187,7 +202,7 @@ struct SqliteSide final : Side {
         check(Db::run(begin) == SQLITE_DONE, "begin");
         bindBlob(deleteKey, 1, last.data(), last.size());
         check(Db::run(deleteKey) == SQLITE_DONE, "delete key");
-        sqlite3_bind_int64(deleteRecord, 1, lastRid);
+        sqlite3_bind_int64(deleteRecord, 1, lastRow);
         check(Db::run(deleteRecord) == SQLITE_DONE, "delete record");
         check(Db::run(commit) == SQLITE_DONE, "commit");
     }
@@ -347,14 +362,10 @@ struct LmdbSide final : Side {
 
 // ---- SQLite with the store's own schema and statements ----
 
-struct StoreSchemaSide final : Side {
+struct StoreSchemaSide final : SqliteReads {
     recman::sqlite::SqlText sql = recman::sqlite::SqlText::forSpec(jobSpec());
-    Db d;
-    sqlite3_stmt *seekEqual, *first, *next, *stepFirst, *stepNext, *insertRow, *updateRow, *deleteRow, *begin,
-        *commit, *countInsert, *countDelete;
-    uint8_t rec[kRecordLength];
-    std::string encoded, last;
-    int64_t lastRecno = 0, nextRecno = 0;
+    sqlite3_stmt *insertRow, *updateRow, *deleteRow, *begin, *commit, *countInsert, *countDelete;
+    int64_t nextRecno = 0;
 
     static std::string schema()
     {
@@ -364,7 +375,7 @@ struct StoreSchemaSide final : Side {
         return script;
     }
 
-    explicit StoreSchemaSide(const std::string& path) : d(path, schema())
+    explicit StoreSchemaSide(const std::string& path) : SqliteReads(path, schema(), 2, "store schema get equal")
     {
         seekEqual = d.prepare(sql.seekKey[0][size_t(recman::Seek::Equal)]);
         first = d.prepare(sql.seekKey[0][size_t(recman::Seek::First)]);
@@ -380,18 +391,6 @@ struct StoreSchemaSide final : Side {
         countDelete = d.prepare(recman::sqlite::sql::CountDelete);
     }
 
-    bool fetch(sqlite3_stmt* st, bool withKey)
-    {
-        const bool row = sqlite3_step(st) == SQLITE_ROW;
-        if (row) {
-            lastRecno = sqlite3_column_int64(st, 0);
-            std::memcpy(rec, sqlite3_column_blob(st, 2), size_t(sqlite3_column_bytes(st, 2)));
-            if (withKey)
-                last.assign(static_cast<const char*>(sqlite3_column_blob(st, 3)), size_t(sqlite3_column_bytes(st, 3)));
-        }
-        sqlite3_reset(st);
-        return row;
-    }
     void insert(uint32_t i) override
     {
         makeRecord(i, rec);
@@ -408,32 +407,11 @@ struct StoreSchemaSide final : Side {
         check(Db::run(countInsert) == SQLITE_DONE, "count");
         check(Db::run(commit) == SQLITE_DONE, "commit");
     }
-    void getEqual(uint32_t i) override
-    {
-        makeRecord(i, rec);
-        encodeKey(rec, encoded);
-        bindBlob(seekEqual, 1, encoded.data(), encoded.size());
-        check(fetch(seekEqual, true), "store schema get equal");
-    }
-    bool keyStep(size_t i) override
-    {
-        if (i == 0)
-            return fetch(first, true);
-        sqlite3_bind_blob(next, 1, last.data(), int(last.size()), SQLITE_TRANSIENT);
-        return fetch(next, true);
-    }
-    bool physicalStep(size_t i) override
-    {
-        if (i == 0)
-            return fetch(stepFirst, false);
-        sqlite3_bind_int64(stepNext, 1, lastRecno);
-        return fetch(stepNext, false);
-    }
     void update(uint32_t i) override
     {
         getEqual(i);
         rec[100] ^= 1;
-        sqlite3_bind_int64(updateRow, 1, lastRecno);
+        sqlite3_bind_int64(updateRow, 1, lastRow);
         sqlite3_bind_int64(updateRow, 2, 2);
         bindBlob(updateRow, 3, rec, kRecordLength);
         check(Db::run(updateRow) == SQLITE_DONE, "update");
@@ -442,7 +420,7 @@ struct StoreSchemaSide final : Side {
     {
         getEqual(i);
         check(Db::run(begin) == SQLITE_DONE, "begin");
-        sqlite3_bind_int64(deleteRow, 1, lastRecno);
+        sqlite3_bind_int64(deleteRow, 1, lastRow);
         check(Db::run(deleteRow) == SQLITE_DONE, "delete");
         check(Db::run(countDelete) == SQLITE_DONE, "count");
         check(Db::run(commit) == SQLITE_DONE, "commit");
@@ -492,12 +470,7 @@ int main(int argc, char** argv)
         LmdbSide l((dir / "lmdb").string());
         StoreSchemaSide t((dir / "schema.db").string());
         const std::vector<Side*> sides = {&e, &q, &l, &t};
-        rows.push_back({"insert", interleaved(n, sides, [&](Side& s, size_t i) { s.insert(order[i]); })});
-        readRows(n, sides, lookups, rows);
-        std::shuffle(lookups.begin(), lookups.end(), rng);
-        rows.push_back({"update", interleaved(n, sides, [&](Side& s, size_t i) { s.update(lookups[i]); })});
-        std::shuffle(lookups.begin(), lookups.end(), rng);
-        rows.push_back({"delete", interleaved(n, sides, [&](Side& s, size_t i) { s.remove(lookups[i]); })});
+        allRows(n, sides, order, lookups, rng, rows);
     }
     char title[160];
     std::snprintf(title, sizeof title, "N = %u records of %u bytes, %u-byte key; us/op", n, unsigned(kRecordLength),

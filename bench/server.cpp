@@ -175,12 +175,7 @@ int main(int argc, char** argv)
         EngineSide e("/bench/server/JOBITEMS.DAT");
         RawServer raw(conninfo);
         const std::vector<Side*> sides = {&e, &raw};
-        rows.push_back({"insert", interleaved(n, sides, [&](Side& s, size_t i) { s.insert(order[i]); })});
-        readRows(n, sides, lookups, rows);
-        std::shuffle(lookups.begin(), lookups.end(), rng);
-        rows.push_back({"update", interleaved(n, sides, [&](Side& s, size_t i) { s.update(lookups[i]); })});
-        std::shuffle(lookups.begin(), lookups.end(), rng);
-        rows.push_back({"delete", interleaved(n, sides, [&](Side& s, size_t i) { s.remove(lookups[i]); })});
+        allRows(n, sides, order, lookups, rng, rows);
     }
     std::printf("server store over loopback, N = %u records of %u bytes; us/op (raw libpq: one statement and one "
                 "round trip per operation)\n", n, unsigned(kRecordLength));
