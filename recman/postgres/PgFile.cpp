@@ -72,13 +72,17 @@ Status PgFile::begin()
 Status PgFile::commit()
 {
     m_inTransaction = false;
+    const bool wrote = m_wroteInTransaction;
+    m_wroteInTransaction = false;
     if (const Status s = m_conn->commit(); s != StatusOk)
         return s;
-    return awaitReaders();
+    // A transaction that only read (a locking read) has nothing for a window to miss.
+    return wrote ? awaitReaders() : StatusOk;
 }
 
 void PgFile::rollback()
 {
+    m_wroteInTransaction = false;
     m_inTransaction = false;
     m_conn->rollback();
 }
@@ -214,6 +218,7 @@ Status PgFile::numbered(const std::string& text, int64_t& recno, int64_t& versio
 
 Status PgFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& version, int64_t& seq)
 {
+    m_wroteInTransaction = true;
     m_params.clear();
     if (const Status s = numbered(m_countInsert, recno, version, seq); s != StatusOk)
         return s;
@@ -225,6 +230,7 @@ Status PgFile::insertRecord(const RecordWrite& rec, int64_t& recno, int64_t& ver
 
 Status PgFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite& rec, int64_t& seq)
 {
+    m_wroteInTransaction = true;
     m_seen.erase(recno);
     seq = 0;
     bool needRank = false, keysChanged = false;
@@ -247,6 +253,7 @@ Status PgFile::updateRecord(int64_t recno, int64_t newVersion, const RecordWrite
 
 Status PgFile::deleteRecord(int64_t recno)
 {
+    m_wroteInTransaction = true;
     m_seen.erase(recno);
     m_params.clear();
     if (const Status s = m_conn->run(m_sql.remove, m_params.integer(recno)); s != StatusOk)

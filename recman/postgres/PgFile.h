@@ -118,6 +118,7 @@ private:
     std::vector<const SegmentSpec*> m_autoFields;
     std::string m_begin, m_countInsert, m_countDelete, m_nextSeq, m_count, m_lockRow;
     bool m_inTransaction = false;
+    bool m_wroteInTransaction = false;  // the open transaction changed records
     Params m_params;
     Result m_result;
     std::string m_data, m_key;
